@@ -1,0 +1,54 @@
+# Flags and output folders that every target shares.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+# SSE arithmetic everywhere, the tests and their models included: x87 would round twice.
+# No contraction and no -ffast-math: the order and the rounding of every sum is a promise.
+add_library(jex_flags INTERFACE)
+target_compile_options(jex_flags INTERFACE
+  -march=i686 -msse3 -mtune=generic -mfpmath=sse
+  -ffp-contract=off -fno-math-errno -mstackrealign
+  -Wall -Wextra -Wno-psabi)
+target_link_options(jex_flags INTERFACE -Wl,--as-needed -Wl,-z,noexecstack -Wl,-z,defs)
+target_include_directories(jex_flags INTERFACE
+  "${PROJECT_SOURCE_DIR}/include" "${PROJECT_BINARY_DIR}/include")
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
+
+if(JEX_SANITIZE)
+  target_compile_options(jex_flags INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(jex_flags INTERFACE -fsanitize=address,undefined LINKER:-z,undefs)
+endif()
+
+# jex_export_lists(<target> <list>...)
+#
+# One list for each family names its exports, one row each. From the rows this makes
+#   include/jex/exports.h        the prototypes, with the docstrings of the lists
+#   include/jex/export_names.inc one row JEX_ENTRY(name) for each export
+#   jex_q7t.map, jex_q7t.def     version script and module definition
+function(jex_export_lists target)
+  set(out "${PROJECT_BINARY_DIR}/include/jex")
+  set(products "${out}/exports.h" "${out}/export_names.inc"
+      "${PROJECT_BINARY_DIR}/exports/jex_q7t.map" "${PROJECT_BINARY_DIR}/exports/jex_q7t.def")
+  add_custom_command(
+    OUTPUT ${products}
+    COMMAND "${CMAKE_COMMAND}" "-DCXX=${CMAKE_CXX_COMPILER}" "-DLISTS=${ARGN}"
+            "-DOUT=${PROJECT_BINARY_DIR}" "-DSOURCE=${PROJECT_SOURCE_DIR}"
+            -P "${PROJECT_SOURCE_DIR}/cmake/MakeExports.cmake"
+    DEPENDS ${ARGN} "${PROJECT_SOURCE_DIR}/cmake/MakeExports.cmake"
+            "${PROJECT_SOURCE_DIR}/cmake/exports_rows.inc"
+    COMMENT "Making the export table from its lists"
+    VERBATIM)
+  add_custom_target(${target} DEPENDS ${products})
+endfunction()

@@ -1,0 +1,17 @@
+// The zero test of the scalars: by bit pattern, so that a mode that flushes denormals to zero
+// does not turn a tiny factor into a quick return.
+#pragma once
+
+#include <bit>
+#include <stdint.h>
+
+#include <jex/types.h>
+
+namespace jex::blas {
+
+inline bool is_zero(float a) { return (std::bit_cast<uint32_t>(a) << 1) == 0; }
+inline bool is_zero(double a) { return (std::bit_cast<uint64_t>(a) << 1) == 0; }
+inline bool is_zero(jex_scomplex a) { return is_zero(a.re) && is_zero(a.im); }
+inline bool is_zero(jex_dcomplex a) { return is_zero(a.re) && is_zero(a.im); }
+
+}  // namespace jex::blas

@@ -1,0 +1,23 @@
+// Module entry, branch number, option characters and the empty entries.
+
+#include "serv/lsame.h"
+#include "serv/shell.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+// Nothing is done when threads come and go, and nothing at unload: the core releases the buffers.
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+  if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);
+  return TRUE;
+}
+#endif
+
+// An ELF module needs no entry: threads notify nobody, and the runtime initialises itself.
+
+extern "C" __attribute__((used, visibility("hidden"))) void jex_serv_empty(...) {}
+
+#define JEX_EMPTY(name) extern "C" void name(...) __attribute__((alias("jex_serv_empty")));
+#define JEX_FORWARD(result, name, params)
+
+#include "serv/exports.inc"

@@ -1,0 +1,244 @@
+// Lanes: one 128-bit register seen as a vector of float, double or complex elements.
+//
+//   Lanes<float>         f0 f1 f2 f3        Lanes<jex_scomplex>  re0 im0 re1 im1
+//   Lanes<double>        d0 d1              Lanes<jex_dcomplex>  re0 im0
+//
+// This is the only place with intrinsics. The same members work on part of a register: load_first
+// fills the first element and clears the others, so that the last elements of a vector run through
+// the same code, and round the same way, as the full lanes.
+//
+// Loads and stores take any address: an unaligned access costs nothing by itself, only when it
+// crosses a cache line, which the callers avoid by peeling.
+#pragma once
+
+#include <emmintrin.h>
+#include <pmmintrin.h>
+#include <type_traits>
+
+#include <jex/types.h>
+
+namespace jex::simd {
+
+template <class T>
+struct Element {
+  using Real = T;
+  static constexpr bool complex = false;
+};
+template <>
+struct Element<jex_scomplex> {
+  using Real = float;
+  static constexpr bool complex = true;
+};
+template <>
+struct Element<jex_dcomplex> {
+  using Real = double;
+  static constexpr bool complex = true;
+};
+template <class T>
+using Real = typename Element<T>::Real;
+template <class T>
+inline constexpr bool is_complex = Element<T>::complex;
+
+template <class T>
+struct Lanes;
+
+template <>
+struct Lanes<float> {
+  static constexpr int count = 4;
+  __m128 v;
+
+  static Lanes zero() { return {_mm_setzero_ps()}; }
+  static Lanes all(float a) { return {_mm_set1_ps(a)}; }
+  static Lanes load(const float* p) { return {_mm_loadu_ps(p)}; }
+  static Lanes load_first(const float* p) { return {_mm_load_ss(p)}; }
+  static Lanes load_two(const float* p) { return {_mm_loadl_pi(_mm_setzero_ps(), (const __m64*)p)}; }
+  static Lanes gather_two(const float* p, int inc) {
+    return {_mm_unpacklo_ps(_mm_load_ss(p), _mm_load_ss(p + inc))};
+  }
+  static Lanes gather(const float* p, int inc) {
+    return {_mm_movelh_ps(gather_two(p, inc).v, gather_two(p + 2 * inc, inc).v)};
+  }
+  void store(float* p) const { _mm_storeu_ps(p, v); }
+  void store_first(float* p) const { _mm_store_ss(p, v); }
+  void stream(float* p) const { _mm_stream_ps(p, v); }
+  float first() const { return _mm_cvtss_f32(v); }
+
+  friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_ps(a.v, b.v)}; }
+  friend Lanes operator-(Lanes a, Lanes b) { return {_mm_sub_ps(a.v, b.v)}; }
+  friend Lanes operator*(Lanes a, Lanes b) { return {_mm_mul_ps(a.v, b.v)}; }
+};
+
+template <>
+struct Lanes<double> {
+  static constexpr int count = 2;
+  __m128d v;
+
+  static Lanes zero() { return {_mm_setzero_pd()}; }
+  static Lanes all(double a) { return {_mm_set1_pd(a)}; }
+  static Lanes load(const double* p) { return {_mm_loadu_pd(p)}; }
+  static Lanes load_first(const double* p) { return {_mm_load_sd(p)}; }
+  static Lanes gather(const double* p, int inc) {
+    return {_mm_loadh_pd(_mm_load_sd(p), p + inc)};
+  }
+  void store(double* p) const { _mm_storeu_pd(p, v); }
+  void store_first(double* p) const { _mm_store_sd(p, v); }
+  void stream(double* p) const { _mm_stream_pd(p, v); }
+  double first() const { return _mm_cvtsd_f64(v); }
+
+  friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_pd(a.v, b.v)}; }
+  friend Lanes operator-(Lanes a, Lanes b) { return {_mm_sub_pd(a.v, b.v)}; }
+  friend Lanes operator*(Lanes a, Lanes b) { return {_mm_mul_pd(a.v, b.v)}; }
+};
+
+// Magnitudes: the sign bits cleared, NaN and infinities kept.
+inline Lanes<float> abs(Lanes<float> a) {
+  return {_mm_and_ps(a.v, _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)))};
+}
+inline Lanes<double> abs(Lanes<double> a) {
+  return {_mm_and_pd(a.v, _mm_castsi128_pd(_mm_set_epi32(0x7fffffff, -1, 0x7fffffff, -1)))};
+}
+
+// If either operand is NaN, the second is taken.
+inline Lanes<float> max(Lanes<float> a, Lanes<float> b) { return {_mm_max_ps(a.v, b.v)}; }
+inline Lanes<double> max(Lanes<double> a, Lanes<double> b) { return {_mm_max_pd(a.v, b.v)}; }
+inline Lanes<float> min(Lanes<float> a, Lanes<float> b) { return {_mm_min_ps(a.v, b.v)}; }
+inline Lanes<double> min(Lanes<double> a, Lanes<double> b) { return {_mm_min_pd(a.v, b.v)}; }
+
+// Masks: all bits of a lane set where the relation holds.
+inline Lanes<float> unordered(Lanes<float> a, Lanes<float> b) {
+  return {_mm_cmpunord_ps(a.v, b.v)};
+}
+inline Lanes<double> unordered(Lanes<double> a, Lanes<double> b) {
+  return {_mm_cmpunord_pd(a.v, b.v)};
+}
+inline Lanes<float> not_greater_equal(Lanes<float> a, Lanes<float> b) {
+  return {_mm_cmpnge_ps(a.v, b.v)};
+}
+inline Lanes<double> not_greater_equal(Lanes<double> a, Lanes<double> b) {
+  return {_mm_cmpnge_pd(a.v, b.v)};
+}
+inline Lanes<float> operator|(Lanes<float> a, Lanes<float> b) { return {_mm_or_ps(a.v, b.v)}; }
+inline Lanes<double> operator|(Lanes<double> a, Lanes<double> b) { return {_mm_or_pd(a.v, b.v)}; }
+inline bool any(Lanes<float> mask) { return _mm_movemask_ps(mask.v) != 0; }
+inline bool any(Lanes<double> mask) { return _mm_movemask_pd(mask.v) != 0; }
+
+// re + im of the elements of a, then of b.
+inline Lanes<float> add_parts(Lanes<float> a, Lanes<float> b) {
+  return {_mm_add_ps(_mm_shuffle_ps(a.v, b.v, _MM_SHUFFLE(2, 0, 2, 0)),
+                     _mm_shuffle_ps(a.v, b.v, _MM_SHUFFLE(3, 1, 3, 1)))};
+}
+inline Lanes<double> add_parts(Lanes<double> a, Lanes<double> b) {
+  return {_mm_add_pd(_mm_unpacklo_pd(a.v, b.v), _mm_unpackhi_pd(a.v, b.v))};
+}
+
+// Two floats, widened to double without rounding.
+inline Lanes<double> widen_low(Lanes<float> a) { return {_mm_cvtps_pd(a.v)}; }
+
+// Sum of the lanes, the upper half onto the lower until one is left:
+// (f0 + f2) + (f1 + f3), or d0 + d1.
+inline float sum_lanes(Lanes<float> a) {
+  const __m128 half = _mm_add_ps(a.v, _mm_movehl_ps(a.v, a.v));
+  return _mm_cvtss_f32(_mm_add_ss(half, _mm_shuffle_ps(half, half, 1)));
+}
+inline double sum_lanes(Lanes<double> a) {
+  return _mm_cvtsd_f64(_mm_add_sd(a.v, _mm_unpackhi_pd(a.v, a.v)));
+}
+
+// The real and imaginary parts of a complex register change places.
+inline Lanes<float> swap_parts(Lanes<float> a) {
+  return {_mm_shuffle_ps(a.v, a.v, _MM_SHUFFLE(2, 3, 0, 1))};
+}
+inline Lanes<double> swap_parts(Lanes<double> a) {
+  return {_mm_shuffle_pd(a.v, a.v, 1)};
+}
+// (a0 - b0, a1 + b1, ...): the additions of a complex product.
+inline Lanes<float> add_subtract(Lanes<float> a, Lanes<float> b) {
+  return {_mm_addsub_ps(a.v, b.v)};
+}
+inline Lanes<double> add_subtract(Lanes<double> a, Lanes<double> b) {
+  return {_mm_addsub_pd(a.v, b.v)};
+}
+
+// Complex lanes are real lanes of twice the length; R is the real element.
+template <class T>
+struct ComplexLanes {
+  using R = Real<T>;
+  using Parts = Lanes<R>;
+  static constexpr int count = Parts::count / 2;
+  Parts parts;
+
+  static Lanes<T> zero() { return {Parts::zero()}; }
+  static Lanes<T> load(const T* p) { return {Parts::load(&p->re)}; }
+  void store(T* p) const { parts.store(&p->re); }
+  void stream(T* p) const { parts.stream(&p->re); }
+};
+
+template <>
+struct Lanes<jex_scomplex> : ComplexLanes<jex_scomplex> {
+  static Lanes all(jex_scomplex a) {
+    return {Parts{_mm_setr_ps(a.re, a.im, a.re, a.im)}};
+  }
+  static Lanes load_first(const jex_scomplex* p) { return {Parts::load_two(&p->re)}; }
+  static Lanes gather(const jex_scomplex* p, int inc) {
+    return {Parts{_mm_loadh_pi(load_first(p).parts.v, (const __m64*)(p + inc))}};
+  }
+  void store_first(jex_scomplex* p) const { _mm_storel_pi((__m64*)p, parts.v); }
+};
+
+template <>
+struct Lanes<jex_dcomplex> : ComplexLanes<jex_dcomplex> {
+  static Lanes all(jex_dcomplex a) { return load(&a); }
+  static Lanes load_first(const jex_dcomplex* p) { return load(p); }
+  static Lanes gather(const jex_dcomplex* p, int) { return load(p); }
+  void store_first(jex_dcomplex* p) const { store(p); }
+};
+
+template <class T>
+  requires is_complex<T>
+inline Lanes<T> operator+(Lanes<T> a, Lanes<T> b) {
+  return {a.parts + b.parts};
+}
+template <class T>
+  requires is_complex<T>
+inline Lanes<T> operator-(Lanes<T> a, Lanes<T> b) {
+  return {a.parts - b.parts};
+}
+
+// Sum of the elements of a register, part by part.
+template <class T>
+inline T sum_complex_lanes(Lanes<T> a) {
+  if constexpr (Lanes<T>::count == 2) a.parts.v = _mm_add_ps(a.parts.v, _mm_movehl_ps(a.parts.v, a.parts.v));
+  T sum;
+  a.store_first(&sum);
+  return sum;
+}
+
+// A factor is a scalar made ready to multiply many lanes.
+//   real * real        one product
+//   complex * real     one product of each part
+//   complex * complex  (x.re f.re - x.im f.im, x.im f.re + x.re f.im): four products, two sums
+template <class T>
+struct Factor {
+  Lanes<T> all;
+  explicit Factor(T a) : all(Lanes<T>::all(a)) {}
+  friend Lanes<T> operator*(Lanes<T> x, Factor f) { return x * f.all; }
+};
+
+template <class T>
+  requires is_complex<T>
+struct Factor<T> {
+  using R = Real<T>;
+  Lanes<R> re, im;
+  explicit Factor(T a) : re(Lanes<R>::all(a.re)), im(Lanes<R>::all(a.im)) {}
+  friend Lanes<T> operator*(Lanes<T> x, Factor f) {
+    return {add_subtract(x.parts * f.re, swap_parts(x.parts) * f.im)};
+  }
+};
+
+template <class T>
+  requires is_complex<T>
+inline Lanes<T> operator*(Lanes<T> x, Factor<Real<T>> f) {
+  return {x.parts * f.all};
+}
+
+}  // namespace jex::simd
