@@ -17,6 +17,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
 
 extern "C" __attribute__((used, visibility("hidden"))) void jex_serv_empty(...) {}
 
+// Without exceptions every function is nothrow; an alias that does not say so is no loss.
+#pragma GCC diagnostic ignored "-Wmissing-attributes"
 #define JEX_EMPTY(name) extern "C" void name(...) __attribute__((alias("jex_serv_empty")));
 #define JEX_FORWARD(result, name, params)
 
