@@ -19,6 +19,7 @@ add_library(jex_flags INTERFACE)
 target_compile_options(jex_flags INTERFACE
   -march=i686 -msse3 -mtune=generic -mfpmath=sse
   -ffp-contract=off -fno-math-errno -mstackrealign
+  $<$<CXX_COMPILER_ID:GNU>:-fno-version-loops-for-strides>
   -Wall -Wextra -Wno-psabi)
 target_link_options(jex_flags INTERFACE -Wl,--as-needed -Wl,-z,noexecstack -Wl,-z,defs)
 target_include_directories(jex_flags INTERFACE

@@ -134,6 +134,15 @@ inline Lanes<double> add_parts(Lanes<double> a, Lanes<double> b) {
 // Two floats, widened to double without rounding.
 inline Lanes<double> widen_low(Lanes<float> a) { return {_mm_cvtps_pd(a.v)}; }
 
+// Says that a value is in a register here. The compiler otherwise moves the loads of an unrolled
+// loop ahead of its sums, until the eight registers overflow to the stack.
+template <class R>
+[[gnu::always_inline]] inline Lanes<R> pinned(Lanes<R> a) {
+  auto v = a.v;
+  asm("" : "+x"(v));
+  return {v};
+}
+
 // Sum of the lanes, the upper half onto the lower until one is left:
 // (f0 + f2) + (f1 + f3), or d0 + d1.
 inline float sum_lanes(Lanes<float> a) {
@@ -151,14 +160,6 @@ inline Lanes<float> swap_parts(Lanes<float> a) {
 inline Lanes<double> swap_parts(Lanes<double> a) {
   return {_mm_shuffle_pd(a.v, a.v, 1)};
 }
-// (a0 - b0, a1 + b1, ...): the additions of a complex product.
-inline Lanes<float> add_subtract(Lanes<float> a, Lanes<float> b) {
-  return {_mm_addsub_ps(a.v, b.v)};
-}
-inline Lanes<double> add_subtract(Lanes<double> a, Lanes<double> b) {
-  return {_mm_addsub_pd(a.v, b.v)};
-}
-
 // Complex lanes are real lanes of twice the length; R is the real element.
 template <class T>
 struct ComplexLanes {
@@ -216,7 +217,8 @@ inline T sum_complex_lanes(Lanes<T> a) {
 // A factor is a scalar made ready to multiply many lanes.
 //   real * real        one product
 //   complex * real     one product of each part
-//   complex * complex  (x.re f.re - x.im f.im, x.im f.re + x.re f.im): four products, two sums
+//   complex * complex  (x.re f.re - x.im f.im, x.im f.re + x.re f.im): four products, two sums; the
+//                      factor carries the minus sign, which is exact
 template <class T>
 struct Factor {
   Lanes<T> all;
@@ -228,10 +230,10 @@ template <class T>
   requires is_complex<T>
 struct Factor<T> {
   using R = Real<T>;
-  Lanes<R> re, im;
-  explicit Factor(T a) : re(Lanes<R>::all(a.re)), im(Lanes<R>::all(a.im)) {}
+  Lanes<R> re, im;  // f.re f.re .., -f.im f.im ..
+  explicit Factor(T a) : re(Lanes<R>::all(a.re)), im(Lanes<T>::all({-a.im, a.im}).parts) {}
   friend Lanes<T> operator*(Lanes<T> x, Factor f) {
-    return {add_subtract(x.parts * f.re, swap_parts(x.parts) * f.im)};
+    return {x.parts * f.re + swap_parts(x.parts) * f.im};
   }
 };
 

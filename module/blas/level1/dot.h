@@ -50,8 +50,8 @@ inline T complex_dot(int n, const X& x, const Y& y) {
   Lanes<R> straight[2] = {Lanes<R>::zero(), Lanes<R>::zero()};
   Lanes<R> crossed[2] = {Lanes<R>::zero(), Lanes<R>::zero()};
   const auto add = [&](int k, Lanes<T> x, Lanes<T> y) __attribute__((always_inline)) {
-    straight[k] = straight[k] + x.parts * y.parts;
-    crossed[k] = crossed[k] + x.parts * simd::swap_parts(y.parts);
+    straight[k] = simd::pinned(straight[k] + x.parts * y.parts);
+    crossed[k] = simd::pinned(crossed[k] + x.parts * simd::swap_parts(y.parts));
   };
   int i = 0;
   for (; i + 4 * width <= n; i += 4 * width) {

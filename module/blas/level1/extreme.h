@@ -5,7 +5,7 @@
 // a NaN replaces whatever it meets and is replaced by the element after it, as every comparison
 // with it is false.
 //
-// The fast path takes blocks of 16 registers. A block in which no magnitude passes the running
+// The fast path takes blocks of 16 registers of magnitudes. A block in which no magnitude passes the running
 // extreme and none is NaN costs one comparison; a block that does is only remembered, and searched
 // for its first extreme at the end. A block with a NaN is walked.
 #pragma once
@@ -13,6 +13,8 @@
 #include "blas/level1/sums.h"
 
 namespace jex::blas {
+
+using simd::pinned;
 
 enum class Extreme { largest, smallest };
 
@@ -28,10 +30,8 @@ inline Lanes<Real<T>> magnitudes(const T* p) {
                          abs(Lanes<T>::load(p + Lanes<T>::count).parts));
 }
 
-template <class R>
-inline R magnitude(R a) {
-  return std::is_same_v<R, float> ? __builtin_fabsf(a) : __builtin_fabs(a);
-}
+inline float magnitude(float a) { return __builtin_fabsf(a); }
+inline double magnitude(double a) { return __builtin_fabs(a); }
 template <class T>
   requires is_complex<T>
 inline Real<T> magnitude(T a) {
@@ -56,39 +56,59 @@ inline Lanes<R> more_extreme(Lanes<R> a, Lanes<R> b) {
   return extreme == Extreme::largest ? max(a, b) : min(a, b);
 }
 
+// Extremes of each lane over a block that starts at x, NaN passed over, and a mask of the lanes
+// that met a NaN.
+template <class R>
+struct BlockExtremes {
+  static constexpr int width = Lanes<R>::count, block = 16 * width;
+  Lanes<R> lanes, nan;
+};
+
+template <Extreme extreme, class T, class R = Real<T>>
+[[gnu::always_inline]] inline BlockExtremes<R> block_extremes(const T* x) {
+  constexpr int width = BlockExtremes<R>::width;
+  Lanes<R> m0 = magnitudes(x), m1 = magnitudes(x + width), nan = unordered(m0, m1);
+#pragma GCC unroll 8
+  for (int k = 2 * width; k < BlockExtremes<R>::block; k += 2 * width) {
+    const Lanes<R> a = magnitudes(x + k), b = magnitudes(x + k + width);
+    nan = pinned(nan | unordered(a, b));
+    m0 = pinned(more_extreme<extreme>(m0, a));
+    m1 = pinned(more_extreme<extreme>(m1, b));
+  }
+  return {more_extreme<extreme>(m0, m1), nan};
+}
+
 template <Extreme extreme, class T>
 inline int index_unit(int n, const T* x) {
   using R = Real<T>;
-  constexpr int width = Lanes<R>::count, block = 16 * width;
+  constexpr int width = Lanes<R>::count, block = BlockExtremes<R>::block;
   RunningExtreme<extreme, R> running{magnitude(x[0]), 0};
-  int i = 1;
-  for (; i + block <= n; i += block) {
-    Lanes<R> m[4], nan = Lanes<R>::zero();
-#pragma GCC unroll 4
-    for (int k = 0; k < 16; k += 2) {
-      const Lanes<R> a = magnitudes(x + i + k * width), b = magnitudes(x + i + (k + 1) * width);
-      nan = nan | unordered(a, b);
-      m[k % 4] = k < 4 ? a : more_extreme<extreme>(m[k % 4], a);
-      m[k % 4 + 1] = k < 4 ? b : more_extreme<extreme>(m[k % 4 + 1], b);
-    }
-    const Lanes<R> lanes = more_extreme<extreme>(more_extreme<extreme>(m[0], m[1]),
-                                                 more_extreme<extreme>(m[2], m[3]));
+  // Takes the block from start on, of which the elements before unseen have been taken already:
+  // none of those can pass, so that what passes is new.
+  const auto take_block = [&](int start, int unseen) __attribute__((always_inline)) {
+    const auto [lanes, nan] = block_extremes<extreme>(x + start);
     const Lanes<R> value = Lanes<R>::all(running.value);
     const Lanes<R> passed = extreme == Extreme::largest ? not_greater_equal(value, lanes)
                                                         : not_greater_equal(lanes, value);
     if (!any(nan | passed)) [[likely]]
-      continue;
+      return;
     if (any(nan)) {
-      for (int k = i; k < i + block; ++k) running.offer(magnitude(x[k]), k);
+      for (int k = unseen; k < start + block; ++k) running.offer(magnitude(x[k]), k);
     } else {
       R each[width];
       lanes.store(each);
       RunningExtreme<extreme, R> best{each[0], 0};
       for (int k = 1; k < width; ++k) best.offer(each[k], k);
-      running = {best.value, i};
+      running = {best.value, start};
     }
+  };
+  int i = 1;
+  for (; i + block <= n; i += block) take_block(i, i);
+  if (n > block) {
+    if (i < n) take_block(n - block, i);
+  } else {
+    for (; i < n; ++i) running.offer(magnitude(x[i]), i);
   }
-  for (; i < n; ++i) running.offer(magnitude(x[i]), i);
   if (running.value == running.value)
     while (magnitude(x[running.index]) != running.value) ++running.index;
   return running.index + 1;

@@ -84,7 +84,7 @@ inline int elements_to_boundary(const T* p, int n) {
 }
 
 template <class Body, class... S>
-[[gnu::always_inline]] inline void step(Body& body, int i, const S&... s) {
+[[gnu::always_inline]] inline void step(Body& body, int i, S... s) {
   [&](auto... lanes) {
     body(lanes...);
     (s.store(lanes, i), ...);
@@ -92,7 +92,7 @@ template <class Body, class... S>
 }
 
 template <class Body, class... S>
-[[gnu::always_inline]] inline void step_first(Body& body, int i, const S&... s) {
+[[gnu::always_inline]] inline void step_first(Body& body, int i, S... s) {
   [&](auto... lanes) {
     body(lanes...);
     (s.store_first(lanes, i), ...);
@@ -100,7 +100,7 @@ template <class Body, class... S>
 }
 
 template <class T, class Body, class... S>
-inline void for_each_unit(int n, Body body, const S&... s) {
+[[gnu::always_inline]] inline void for_each_unit(int n, Body body, S... s) {
   constexpr int width = Lanes<T>::count;
   int i = 0;
   int peel = 0;
@@ -117,14 +117,14 @@ inline void for_each_unit(int n, Body body, const S&... s) {
 }
 
 template <class Body, class... S>
-inline void for_each_element(int n, Body body, const S&... s) {
+[[gnu::always_inline]] inline void for_each_element(int n, Body body, S... s) {
 #pragma GCC unroll 2
   for (int i = 0; i < n; ++i) step_first(body, i, s...);
 }
 
 // body(lanes of each stream, by reference), for n elements of type T.
 template <class T, class Body, class... S>
-inline void for_each(int n, Body body, const S&... s) {
+inline void for_each(int n, Body body, S... s) {
   if (n < 1) return;
   if (((s.inc == 1) && ...))
     for_each_unit<T>(n, body, s...);

@@ -1,9 +1,9 @@
 // Partial sums: the order in which every reduction of this family adds its terms.
 //
-// Eight sums S0..S7, all zero at first. The terms come in blocks of 8 and then, from what is left,
-// one block of 4, one of 2 and one single term; term j of a block goes to sum j. Terms peeled to
-// reach a 16-byte boundary go to S0 before all others. At the end the upper half of the sums is
-// added to the lower half, three times:
+// Eight sums S0..S7 (or sixteen), all zero at first. The terms come in blocks of 8 and then, from
+// what is left, one block of 4, one of 2 and one single term; term j of a block goes to sum j. Terms
+// peeled to reach a 16-byte boundary go to S0 before all others. At the end the upper half of the
+// sums is added to the lower half until one is left:
 //
 //   ((S0 + S4) + (S2 + S6)) + ((S1 + S5) + (S3 + S7))
 //
@@ -14,6 +14,8 @@
 #pragma once
 
 #include "blas/level1/streams.h"
+
+#include <utility>
 
 namespace jex::blas {
 
@@ -82,14 +84,16 @@ struct Widened {
   Lanes<double> first(int i) const { return simd::widen_low(source.first(i)); }
 };
 
-template <class R>
+template <class R, int count>
 struct PartialSums {
-  static constexpr int width = Lanes<R>::count;
-  static constexpr int registers = 8 / width;
-  Lanes<R> s[registers];
+  static constexpr int registers = count / Lanes<R>::count;
+  static_assert(registers == 2 || registers == 4);
+  // Cleared to zero. Indexed by constants only, so that the compiler takes them apart.
+  Lanes<R> s[registers] = {};
 
-  PartialSums() {
-    for (auto& sum : s) sum = Lanes<R>::zero();
+  template <int r>
+  [[gnu::always_inline]] void add(Lanes<R> term) {
+    s[r] = simd::pinned(s[r] + term);
   }
   R total() const {
     if constexpr (registers == 4)
@@ -99,37 +103,35 @@ struct PartialSums {
   }
 };
 
-// Sum over n terms; term(lanes of each source) gives the terms of one register.
-template <class R, class Term, class... Source>
+// Sum over n terms in count partial sums; term(lanes of each source) gives the terms of one register.
+template <class R, int count = 8, class Term, class... Source>
 inline R sum_terms(int n, int peel, Term term, const Source&... source) {
-  PartialSums<R> sums;
-  constexpr int width = sums.width;
-  const auto add_block = [&](int i) __attribute__((always_inline)) {
-#pragma GCC unroll 4
-    for (int r = 0; r < sums.registers; ++r)
-      sums.s[r] = sums.s[r] + term(source.lanes(i + r * width)...);
+  PartialSums<R, count> sums;
+  constexpr int width = Lanes<R>::count;
+  const auto add_register = [&]<int k>(int i) __attribute__((always_inline)) {
+    sums.template add<k % sums.registers>(term(source.lanes(i + k * width)...));
+  };
+  const auto add_registers = [&]<int... k>(int i, std::integer_sequence<int, k...>)
+      __attribute__((always_inline)) { (add_register.template operator()<k>(i), ...); };
+  const auto add_block = [&]<int size>(int& i) __attribute__((always_inline)) {
+    add_registers(i, std::make_integer_sequence<int, size / width>());
+    i += size;
   };
   int i = 0;
-  for (; i < peel; ++i) sums.s[0] = sums.s[0] + term(source.first(i)...);
-  for (; i + 16 <= n; i += 16) {
-    add_block(i);
-    add_block(i + 8);
-  }
-  if (i + 8 <= n) {
-    add_block(i);
-    i += 8;
-  }
-  if (i + 4 <= n)
-    for (int r = 0; r < 4 / width; ++r, i += width)
-      sums.s[r] = sums.s[r] + term(source.lanes(i)...);
+  for (; i < peel; ++i) sums.template add<0>(term(source.first(i)...));
+  while (i + 2 * count <= n) add_block.template operator()<2 * count>(i);
+  if (i + count <= n) add_block.template operator()<count>(i);
+  if constexpr (count == 16)
+    if (i + 8 <= n) add_block.template operator()<8>(i);
+  if (i + 4 <= n) add_block.template operator()<4>(i);
   if (i + 2 <= n) {
     if constexpr (width == 2)
-      sums.s[0] = sums.s[0] + term(source.lanes(i)...);
+      sums.template add<0>(term(source.lanes(i)...));
     else
-      sums.s[0] = sums.s[0] + term(source.two(i)...);
+      sums.template add<0>(term(source.two(i)...));
     i += 2;
   }
-  if (i < n) sums.s[0] = sums.s[0] + term(source.first(i)...);
+  if (i < n) sums.template add<0>(term(source.first(i)...));
   return sums.total();
 }
 

@@ -8,18 +8,18 @@
 namespace jex::test {
 namespace {
 
-// Blocks of 8, then 4, 2 and 1; term j of a block goes to sum j, peeled terms to the first. The
-// upper half of the sums is added to the lower until one is left.
+// Blocks as long as the number of sums, then halves of that; term j of a block goes to sum j, peeled
+// terms to the first. The upper half of the sums is added to the lower until one is left.
 template <class R>
-R told_sum(const std::vector<R>& terms, int peel) {
-  R sum[8] = {};
+R told_sum(const std::vector<R>& terms, int peel, int count = 8) {
+  R sum[16] = {};
   const int n = int(terms.size());
   int i = 0;
   for (; i < peel; ++i) sum[0] += terms[i];
-  for (int block : {8, 4, 2, 1})
-    for (bool again = true; again && n - i >= block; again = block == 8, i += block)
+  for (int block = count; block; block /= 2)
+    for (bool again = true; again && n - i >= block; again = block == count, i += block)
       for (int j = 0; j < block; ++j) sum[j] += terms[i + j];
-  for (int half : {4, 2, 1})
+  for (int half = count / 2; half; half /= 2)
     for (int j = 0; j < half; ++j) sum[j] += sum[j + half];
   return sum[0];
 }
@@ -105,7 +105,7 @@ TYPED_TEST(Level1Norm, Asum) {
     const R* first = reinterpret_cast<const R*>(x.data());
     const int peel =
         std::abs(x.inc()) == 1 ? told_peel_short<R>(int(terms.size()), {first}) : 0;
-    EXPECT_PRED2(same_bits<R>, told_sum(terms, peel),
+    EXPECT_PRED2(same_bits<R>, told_sum(terms, peel, 64 / sizeof(R)),
                  Entries<T>::asum(&c.n, x.data(), x.inc_address()));
     expect_model(x);
   });
