@@ -20,6 +20,7 @@ target_compile_options(jex_flags INTERFACE
   -march=i686 -msse3 -mtune=generic -mfpmath=sse
   -ffp-contract=off -fno-math-errno -mstackrealign
   $<$<CXX_COMPILER_ID:GNU>:-fno-version-loops-for-strides>
+  -falign-loops=32
   -Wall -Wextra -Wno-psabi)
 target_link_options(jex_flags INTERFACE -Wl,--as-needed -Wl,-z,noexecstack -Wl,-z,defs)
 target_include_directories(jex_flags INTERFACE

@@ -134,15 +134,6 @@ inline Lanes<double> add_parts(Lanes<double> a, Lanes<double> b) {
 // Two floats, widened to double without rounding.
 inline Lanes<double> widen_low(Lanes<float> a) { return {_mm_cvtps_pd(a.v)}; }
 
-// Says that a value is in a register here. The compiler otherwise moves the loads of an unrolled
-// loop ahead of its sums, until the eight registers overflow to the stack.
-template <class R>
-[[gnu::always_inline]] inline Lanes<R> pinned(Lanes<R> a) {
-  auto v = a.v;
-  asm("" : "+x"(v));
-  return {v};
-}
-
 // Sum of the lanes, the upper half onto the lower until one is left:
 // (f0 + f2) + (f1 + f3), or d0 + d1.
 inline float sum_lanes(Lanes<float> a) {
@@ -153,13 +144,15 @@ inline double sum_lanes(Lanes<double> a) {
   return _mm_cvtsd_f64(_mm_add_sd(a.v, _mm_unpackhi_pd(a.v, a.v)));
 }
 
-// The real and imaginary parts of a complex register change places.
+// The real and imaginary parts of a complex register change places. The integer shuffle is the one
+// that leaves its operand alone, which saves a copy and a register.
 inline Lanes<float> swap_parts(Lanes<float> a) {
-  return {_mm_shuffle_ps(a.v, a.v, _MM_SHUFFLE(2, 3, 0, 1))};
+  return {_mm_castsi128_ps(_mm_shuffle_epi32(_mm_castps_si128(a.v), _MM_SHUFFLE(2, 3, 0, 1)))};
 }
 inline Lanes<double> swap_parts(Lanes<double> a) {
-  return {_mm_shuffle_pd(a.v, a.v, 1)};
+  return {_mm_castsi128_pd(_mm_shuffle_epi32(_mm_castpd_si128(a.v), _MM_SHUFFLE(1, 0, 3, 2)))};
 }
+
 // Complex lanes are real lanes of twice the length; R is the real element.
 template <class T>
 struct ComplexLanes {
@@ -193,6 +186,19 @@ struct Lanes<jex_dcomplex> : ComplexLanes<jex_dcomplex> {
   static Lanes gather(const jex_dcomplex* p, int) { return load(p); }
   void store_first(jex_dcomplex* p) const { store(p); }
 };
+
+// Says that a value is in a register here. The compiler otherwise moves the loads of an unrolled
+// loop ahead of its sums, until the eight registers overflow to the stack.
+template <class T>
+[[gnu::always_inline]] inline Lanes<T> pinned(Lanes<T> a) {
+  if constexpr (is_complex<T>) {
+    return {pinned(a.parts)};
+  } else {
+    auto v = a.v;
+    asm("" : "+x"(v));
+    return {v};
+  }
+}
 
 template <class T>
   requires is_complex<T>
@@ -233,7 +239,8 @@ struct Factor<T> {
   Lanes<R> re, im;  // f.re f.re .., -f.im f.im ..
   explicit Factor(T a) : re(Lanes<R>::all(a.re)), im(Lanes<T>::all({-a.im, a.im}).parts) {}
   friend Lanes<T> operator*(Lanes<T> x, Factor f) {
-    return {x.parts * f.re + swap_parts(x.parts) * f.im};
+    const Lanes<R> parts = pinned(x.parts);
+    return {parts * f.re + swap_parts(parts) * f.im};
   }
 };
 

@@ -50,8 +50,9 @@ inline T complex_dot(int n, const X& x, const Y& y) {
   Lanes<R> straight[2] = {Lanes<R>::zero(), Lanes<R>::zero()};
   Lanes<R> crossed[2] = {Lanes<R>::zero(), Lanes<R>::zero()};
   const auto add = [&](int k, Lanes<T> x, Lanes<T> y) __attribute__((always_inline)) {
-    straight[k] = simd::pinned(straight[k] + x.parts * y.parts);
-    crossed[k] = simd::pinned(crossed[k] + x.parts * simd::swap_parts(y.parts));
+    const Lanes<R> xp = pinned(x.parts), yp = pinned(y.parts);
+    straight[k] = pinned(straight[k] + xp * yp);
+    crossed[k] = pinned(crossed[k] + xp * simd::swap_parts(yp));
   };
   int i = 0;
   for (; i + 4 * width <= n; i += 4 * width) {

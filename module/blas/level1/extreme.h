@@ -14,8 +14,6 @@
 
 namespace jex::blas {
 
-using simd::pinned;
-
 enum class Extreme { largest, smallest };
 
 // Magnitudes of the elements from p on that fill one register: |x|, or |re| + |im|.
@@ -83,9 +81,9 @@ inline int index_unit(int n, const T* x) {
   using R = Real<T>;
   constexpr int width = Lanes<R>::count, block = BlockExtremes<R>::block;
   RunningExtreme<extreme, R> running{magnitude(x[0]), 0};
-  // Takes the block from start on, of which the elements before unseen have been taken already:
-  // none of those can pass, so that what passes is new.
-  const auto take_block = [&](int start, int unseen) __attribute__((always_inline)) {
+  // Takes the block from start on. Its elements before seen have been taken already: none of them
+  // can pass again, so that what passes is new.
+  const auto take_block = [&](int start, int seen) __attribute__((always_inline)) {
     const auto [lanes, nan] = block_extremes<extreme>(x + start);
     const Lanes<R> value = Lanes<R>::all(running.value);
     const Lanes<R> passed = extreme == Extreme::largest ? not_greater_equal(value, lanes)
@@ -93,7 +91,7 @@ inline int index_unit(int n, const T* x) {
     if (!any(nan | passed)) [[likely]]
       return;
     if (any(nan)) {
-      for (int k = unseen; k < start + block; ++k) running.offer(magnitude(x[k]), k);
+      for (int k = seen; k < start + block; ++k) running.offer(magnitude(x[k]), k);
     } else {
       R each[width];
       lanes.store(each);
@@ -102,12 +100,18 @@ inline int index_unit(int n, const T* x) {
       running = {best.value, start};
     }
   };
-  int i = 1;
-  for (; i + block <= n; i += block) take_block(i, i);
-  if (n > block) {
-    if (i < n) take_block(n - block, i);
+  // The second block goes back to a 16-byte boundary, the last one to the end of the vector.
+  int seen = 1;
+  if (n >= block) {
+    take_block(0, seen);
+    seen = block;
+    for (int i = elements_to_boundary(x, block); i + block <= n; i += block) {
+      if (i > 0) take_block(i, seen);
+      seen = i + block;
+    }
+    if (seen < n) take_block(n - block, seen);
   } else {
-    for (; i < n; ++i) running.offer(magnitude(x[i]), i);
+    for (; seen < n; ++seen) running.offer(magnitude(x[seen]), seen);
   }
   if (running.value == running.value)
     while (magnitude(x[running.index]) != running.value) ++running.index;

@@ -10,14 +10,19 @@ inline double conjugate(double a) { return a; }
 inline jex_scomplex conjugate(jex_scomplex a) { return {a.re, -a.im}; }
 inline jex_dcomplex conjugate(jex_dcomplex a) { return {a.re, -a.im}; }
 
-// x := c x + s y,  y := c y - conj(s) x
+// x := c x + s y,  y := c y - conj(s) x. The products are pinned one by one: a schedule that mixes
+// the registers of an unrolled loop runs a tenth slower.
 template <class T, class S>
 inline auto rotation(Real<T> c, S s) {
   return [c = Factor<Real<T>>(c), s = Factor<S>(s), t = Factor<S>(conjugate(s))](Lanes<T>& x,
                                                                                Lanes<T>& y) {
-    const Lanes<T> rotated = x * c + y * s;
-    y = y * c - x * t;
-    x = rotated;
+    x = pinned(x);
+    y = pinned(y);
+    Lanes<T> xt = pinned(x), ys = pinned(y);
+    xt = pinned(xt * t);
+    ys = pinned(ys * s);
+    x = pinned(pinned(x * c) + ys);
+    y = pinned(pinned(y * c) - xt);
   };
 }
 

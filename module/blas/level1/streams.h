@@ -13,6 +13,7 @@ namespace jex::blas {
 using simd::Factor;
 using simd::is_complex;
 using simd::Lanes;
+using simd::pinned;
 using simd::Real;
 
 // First element of a walk of n elements: a negative increment starts at the far end.
@@ -106,11 +107,9 @@ template <class T, class Body, class... S>
   int peel = 0;
   ((peel = S::written ? elements_to_boundary(s.p, n) : peel), ...);
   for (; i < peel; ++i) step_first(body, i, s...);
-  for (; i + 4 * width <= n; i += 4 * width) {
-    step(body, i, s...);
-    step(body, i + width, s...);
-    step(body, i + 2 * width, s...);
-    step(body, i + 3 * width, s...);
+  for (; i + 8 * width <= n; i += 8 * width) {
+#pragma GCC unroll 8
+    for (int k = 0; k < 8; ++k) step(body, i + k * width, s...);
   }
   for (; i + width <= n; i += width) step(body, i, s...);
   for (; i < n; ++i) step_first(body, i, s...);

@@ -93,7 +93,7 @@ struct PartialSums {
 
   template <int r>
   [[gnu::always_inline]] void add(Lanes<R> term) {
-    s[r] = simd::pinned(s[r] + term);
+    s[r] = pinned(s[r] + term);
   }
   R total() const {
     if constexpr (registers == 4)
