@@ -18,20 +18,30 @@ struct Loaded {
   std::string path, error;
 };
 
+// Asked of an object that no program can hold a copy or a jump of.
 std::string folder_of_core() {
   Dl_info info;
-  if (!dladdr(reinterpret_cast<void*>(&jex_core_load), &info) || !info.dli_fname) return {};
+  if (!dladdr(&expected_branch, &info) || !info.dli_fname) return {};
   const std::string path = info.dli_fname;
   const size_t slash = path.rfind('/');
   return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
 }
 
-std::string load_table(Module& table, const std::string& path) {
-  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (!library) return "jex: the kernel module cannot be loaded: " + std::string(dlerror());
+// The library's own symbol, or null: a search by handle also finds those of the libraries it needs,
+// and the core has some of the same names.
+void* own_symbol(const void* base, void* library, const char* name) {
+  void* symbol = dlsym(library, name);
+  Dl_info info;
+  return symbol && (!base || (dladdr(symbol, &info) && info.dli_fbase == base)) ? symbol : nullptr;
+}
+
+// Fills the table; returns what is wrong with the library, or nothing.
+std::string fill_table(Module& table, void* library, const std::string& path) {
+  const void* base = nullptr;
   std::string missing;
   const auto resolve = [&](auto& entry, const char* name) {
-    entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(dlsym(library, name));
+    entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(
+        own_symbol(base, library, name));
     if (!entry && missing.empty()) missing = name;
   };
   resolve(table.dll_cpu_version, "dll_cpu_version");
@@ -40,11 +50,20 @@ std::string load_table(Module& table, const std::string& path) {
   if (const jex_int branch = table.dll_cpu_version(); branch != expected_branch)
     return "jex: " + path + " is of branch " + std::to_string(branch) + ", this core needs branch " +
            std::to_string(expected_branch);
+  if (Dl_info info; dladdr(reinterpret_cast<void*>(table.dll_cpu_version), &info))
+    base = info.dli_fbase;
 #define JEX_ENTRY(name) resolve(table.name, #name);
 #include <jex/export_names.inc>
 #undef JEX_ENTRY
-  if (!missing.empty()) return "jex: " + path + " lacks the entry " + missing;
-  return {};
+  return missing.empty() ? std::string() : "jex: " + path + " lacks the entry " + missing;
+}
+
+std::string load_table(Module& table, const std::string& path) {
+  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!library) return "jex: the kernel module cannot be loaded: " + std::string(dlerror());
+  const std::string fault = fill_table(table, library, path);
+  if (!fault.empty()) dlclose(library);
+  return fault;
 }
 
 Loaded& loaded() {

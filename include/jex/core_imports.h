@@ -2,7 +2,8 @@
  * @file core_imports.h
  * @brief What the kernel module asks of a core: it imports these entries and no others.
  *
- * A core of your own exports them under these names from a library called libjex_core.so.
+ * A core of your own exports them under these names from a library called libjex_core.so;
+ * docs/core-interface.md tells what else a core does. The module calls them from any thread.
  */
 #ifndef JEX_CORE_IMPORTS_H
 #define JEX_CORE_IMPORTS_H
@@ -14,14 +15,145 @@ extern "C" {
 #endif
 
 /**
+ * @name Services
+ * @{
+ */
+
+/**
  * @brief Takes the library's one global lock, waiting for it if need be. Any thread may call it.
  *
- * The module never takes it twice on one path, so it need not be recursive.
+ * The module never takes it twice on one path, so it need not be recursive. A child of fork()
+ * inherits it free, whichever thread held it.
  */
 JEX_API void jex_serv_lock(void);
 
 /** @brief Releases the lock that the calling thread holds. */
 JEX_API void jex_serv_unlock(void);
+
+/**
+ * @brief Code of the processor, read from it once: how far its vector instructions reach.
+ *
+ * | code | processor has              |
+ * |------|----------------------------|
+ * | 0    | no SSE3: not for this branch |
+ * | 1    | SSE3                       |
+ * | 2    | SSE3 and SSSE3             |
+ * | 3    | these and SSE4.1           |
+ * | 4    | these and SSE4.2           |
+ *
+ * The module only asks whether the code is 0. Sets whose registers the operating system must save
+ * have no code, as no kernel of a 32-bit branch uses them.
+ */
+JEX_API jex_int jex_serv_cpu_detect(void);
+
+/**
+ * @brief Code of the second-level cache of one processor core, read from the processor once.
+ *
+ * 0: unknown or none, 1: below 512 KiB, 2: below 1 MiB, 3: 1 MiB or more. The module takes its
+ * larger blocks where the code is 3.
+ */
+JEX_API jex_int jex_serv_l2cache(void);
+
+/**
+ * @brief Writes the catalogue's text of a number into text, as one line without a newline.
+ *
+ * The variable arguments are of type `const char*`, already formatted by the caller; each takes the
+ * place of one "%s" of the text, in order. A null or missing argument shows as "?", one too many is
+ * not used. A number without a text gives a line that names the number. Needs no memory and keeps
+ * no state.
+ *
+ * @param text      receives at most size - 1 characters and a terminator; may be null if size is 0
+ * @param size      characters that text has room for; below 1 nothing is written
+ * @param number    number of the message
+ * @param arguments how many variable arguments follow
+ * @return length of the whole text, without the terminator: it was cut if this is size or more
+ */
+JEX_API jex_int jex_serv_jex_get_msg(char* text, jex_int size, jex_int number, jex_int arguments,
+                                     ...);
+
+/**
+ * @brief Prints the text of jex_serv_jex_get_msg(), uncut, and a newline to standard output, and
+ *        flushes it. Lines of different threads do not mix. Output errors are not reported.
+ */
+JEX_API void jex_serv_jex_print(jex_int number, jex_int arguments, ...);
+
+/** @} */
+
+/**
+ * @name Forwarding targets
+ *
+ * The module exports these names too and passes its calls on to the core's. It asks
+ * libjex_core.so for them by name at the first call, so a core may lack them: the module's entry
+ * then returns 0 and does nothing.
+ * @{
+ */
+
+/**
+ * @brief Triangular matrix product B := alpha op(A) B (side L) or B := alpha B op(A) (side R).
+ *
+ * Argument list of the published dtrmm and strmm, column-major. The vectors of B, its columns for
+ * side L and its rows for side R, are taken four at a time, then one by one.
+ *
+ * @param side   "L" or "R"; of all four words only the first character is read, in either case
+ * @param uplo   "U" or "L": the triangle of A that is read; the other one never is
+ * @param transa "N": op(A) = A; "T" or "C": its transpose
+ * @param diag   "U": the diagonal of A counts as ones and is not read; "N": it is read
+ * @param m      rows of B
+ * @param n      columns of B; nothing is done where m or n is below 1
+ * @param alpha  factor; 0 sets B to zero and reads neither A nor B
+ * @param a      order m (side L) or n (side R)
+ * @param lda    leading dimension of a, at least its order
+ * @param b      m x n, overwritten by the result; must not overlap a
+ * @param ldb    leading dimension of b, at least m
+ */
+JEX_API void jex_blas_xdtrmm_4vek(const char* side, const char* uplo, const char* transa,
+                                  const char* diag, const jex_int* m, const jex_int* n,
+                                  const double* alpha, const double* a, const jex_int* lda,
+                                  double* b, const jex_int* ldb);
+
+/** @brief The same in single precision. */
+JEX_API void jex_blas_xstrmm_4vek(const char* side, const char* uplo, const char* transa,
+                                  const char* diag, const jex_int* m, const jex_int* n,
+                                  const float* alpha, const float* a, const jex_int* lda, float* b,
+                                  const jex_int* ldb);
+
+/**
+ * @brief GNU MP's gmp_fprintf: formatted output with %Zd and its kin beside the formats of C.
+ * @param stream a `FILE*` of the C library that the core uses, as in all of the following
+ * @return characters written, or -1 on an output error
+ */
+JEX_API int jex_gmp___gmp_fprintf(void* stream, const char* format, ...);
+
+/**
+ * @brief Reads an integer in the raw format of jex_gmp___gmpz_out_raw() (mpz_inp_raw).
+ * @param x an `mpz_ptr`
+ * @return bytes read, 0 on an error
+ */
+JEX_API uint32_t jex_gmp___gmpz_inp_raw(void* x, void* stream);
+
+/**
+ * @brief Reads an integer as digits, white space before them skipped (mpz_inp_str).
+ * @param base 2 to 62, or 0 to take it from the prefix 0x, 0b or 0
+ * @return bytes read, 0 on an error
+ */
+JEX_API uint32_t jex_gmp___gmpz_inp_str(void* x, void* stream, int base);
+
+/**
+ * @brief Writes an integer as four bytes of signed length, then its magnitude, most significant
+ *        byte first (mpz_out_raw).
+ * @param x an `mpz_srcptr`
+ * @return bytes written, 0 on an error
+ */
+JEX_API uint32_t jex_gmp___gmpz_out_raw(void* stream, const void* x);
+
+/**
+ * @brief Writes an integer as digits (mpz_out_str).
+ * @param base 2 to 62, or -2 to -36 for upper case letters
+ * @return bytes written, 0 on an error
+ */
+JEX_API uint32_t jex_gmp___gmpz_out_str(void* stream, int base, const void* x);
+
+/** @} */
 
 #ifdef __cplusplus
 }
