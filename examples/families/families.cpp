@@ -1,0 +1,15 @@
+// The list of families, in the order in which the tour shows them.
+#include "tour/family.h"
+
+namespace jex::tour {
+
+Report level1(const Context&);
+
+std::span<const Family> families() {
+  static constexpr Family list[] = {
+      {"level1", "level-1 vector kernels: the period of a series", level1},
+  };
+  return list;
+}
+
+}  // namespace jex::tour

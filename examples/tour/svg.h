@@ -1,0 +1,39 @@
+// A small writer of plots as SVG: panels one below the other, each with axes, ticks and labels.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace jex::tour::svg {
+
+// Points (first + i * step, y[i]) joined by a line; its element has the name as class.
+struct Curve {
+  std::string name;
+  double first, step;
+  std::vector<double> y;
+};
+
+// A dashed horizontal line, told in the right margin; without a label if that is empty.
+struct Level {
+  double y;
+  std::string label;
+};
+
+// A small circle with a label above it.
+struct Mark {
+  double x, y;
+  std::string label;
+};
+
+struct Panel {
+  std::string title, x_label, y_label;
+  std::vector<Curve> curves;
+  std::vector<Level> levels;
+  std::vector<Mark> marks;
+};
+
+// The drawing as a whole document. Coordinates must be finite, and each panel needs a curve of two
+// points or more.
+std::string draw(const std::string& title, const std::vector<Panel>& panels);
+
+}  // namespace jex::tour::svg

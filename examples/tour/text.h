@@ -1,0 +1,17 @@
+// Formatted and cleaned text.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace jex::tour {
+
+// The formatted string of printf.
+[[gnu::format(printf, 1, 2)]] std::string text(const char* format, ...);
+
+// Foreign text made fit for one line of a terminal or of XML: bytes that are no printable UTF-8
+// become '?', and what exceeds `longest` bytes is cut.
+std::string printable(std::string_view raw, size_t longest = 40);
+
+}  // namespace jex::tour

@@ -1,0 +1,136 @@
+// The checks of the tour hold with the module's kernels and fail with each kernel spoiled.
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <ostream>
+
+#include <gtest/gtest.h>
+
+#include "tour/family.h"
+#include "tour/text.h"
+#include "tour/tour.h"
+
+#include "examples/process.h"
+
+namespace jex::tour {
+namespace {
+
+const Module& good() { return *module(); }
+
+using Int = const jex_int*;
+using Real = const double*;
+
+// Off by about 1e-12, some 4,500 eps.
+constexpr double off = 1 + 1e-12;
+
+double wrong_dot(Int n, Real x, Int incx, Real y, Int incy) {
+  return good().jex_blas_ddot(n, x, incx, y, incy) * off;
+}
+double nan_dot(Int, Real, Int, Real, Int) { return std::nan(""); }
+// Takes the last product of short sums for nothing: what a wrong tail would do.
+double short_dot(Int n, Real x, Int incx, Real y, Int incy) {
+  const jex_int fewer = *n - 1;
+  return good().jex_blas_ddot(&fewer, x, incx, y, incy);
+}
+double wrong_nrm2(Int n, Real x, Int incx) { return good().jex_blas_dnrm2(n, x, incx) * off; }
+double wrong_asum(Int n, Real x, Int incx) { return good().jex_blas_dasum(n, x, incx) * off; }
+void wrong_axpy(Int n, Real alpha, Real x, Int incx, double* y, Int incy) {
+  const double wrong = *alpha * off;
+  good().jex_blas_daxpy(n, &wrong, x, incx, y, incy);
+}
+void wrong_scal(Int n, Real alpha, double* x, Int incx) {
+  const double wrong = *alpha * off;
+  good().jex_blas_dscal(n, &wrong, x, incx);
+}
+jex_int next_index(Int n, Real x, Int incx) { return good().jex_blas_idamax(n, x, incx) + 1; }
+// The second largest element in place of the largest.
+jex_int second_index(Int n, Real x, Int incx) {
+  std::vector<double> rest(x, x + *n);
+  rest[good().jex_blas_idamax(n, x, incx) - 1] = 0;
+  return good().jex_blas_idamax(n, rest.data(), incx);
+}
+
+struct Spoiled {
+  const char* name;
+  void (*spoil)(Module&);
+};
+void PrintTo(const Spoiled& s, std::ostream* out) { *out << s.name; }
+
+class SpoiledKernel : public testing::TestWithParam<Spoiled> {};
+
+bool tour_holds(const Module& kernels, std::string* printed = nullptr) {
+  const test::Folder folder;
+  Options options;
+  options.out = folder / "out";
+  testing::internal::CaptureStdout();
+  const bool holds = show(options, kernels);
+  const std::string text = testing::internal::GetCapturedStdout();
+  if (printed) *printed = text;
+  return holds;
+}
+
+TEST(Tour, HoldsWithTheModule) {
+  std::string printed;
+  EXPECT_TRUE(tour_holds(good(), &printed));
+  EXPECT_EQ(printed.find("FAILS"), printed.npos) << printed;
+  EXPECT_NE(printed.find("holds"), printed.npos) << printed;
+}
+
+TEST_P(SpoiledKernel, IsFound) {
+  Module spoiled = good();
+  GetParam().spoil(spoiled);
+  std::string printed;
+  EXPECT_FALSE(tour_holds(spoiled, &printed));
+  EXPECT_NE(printed.find("FAILS"), printed.npos) << printed;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Level1, SpoiledKernel,
+    testing::Values(Spoiled{"ddot", [](Module& m) { m.jex_blas_ddot = wrong_dot; }},
+                    Spoiled{"ddot_nan", [](Module& m) { m.jex_blas_ddot = nan_dot; }},
+                    Spoiled{"ddot_tail", [](Module& m) { m.jex_blas_ddot = short_dot; }},
+                    Spoiled{"dnrm2", [](Module& m) { m.jex_blas_dnrm2 = wrong_nrm2; }},
+                    Spoiled{"dasum", [](Module& m) { m.jex_blas_dasum = wrong_asum; }},
+                    Spoiled{"daxpy", [](Module& m) { m.jex_blas_daxpy = wrong_axpy; }},
+                    Spoiled{"dscal", [](Module& m) { m.jex_blas_dscal = wrong_scal; }},
+                    Spoiled{"idamax_next", [](Module& m) { m.jex_blas_idamax = next_index; }},
+                    Spoiled{"idamax_second", [](Module& m) { m.jex_blas_idamax = second_index; }}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Check, HoldsUpToItsBoundAndNoFurther) {
+  const double eps = std::numeric_limits<double>::epsilon();
+  EXPECT_TRUE(compare("q", "", 1 + 4 * eps, 1.0L, 1, 4).holds());
+  EXPECT_FALSE(compare("q", "", 1 + 5 * eps, 1.0L, 1, 4).holds());
+  EXPECT_TRUE(compare("q", "", 1 + 5 * eps, 1.0L, 2, 4).holds());
+  EXPECT_FALSE(compare("q", "", std::nan(""), 1.0L, 1, 4).holds());
+  EXPECT_FALSE(compare("q", "", HUGE_VAL, 1.0L, 1, 4).holds());
+  EXPECT_EQ(compare("q", "", -6, -2.0L, 3, 4).condition, 1.5);
+}
+
+TEST(Text, PrintableKeepsUtf8AndReplacesTheRest) {
+  EXPECT_EQ(printable("caf\xc3\xa9 \xe2\x88\x9a \xf0\x9f\x8c\x9e"),
+            "caf\xc3\xa9 \xe2\x88\x9a \xf0\x9f\x8c\x9e");
+  EXPECT_EQ(printable("a\tb\x7f\x1b"), "a?b??");
+  EXPECT_EQ(printable("\xe9t\xe9"), "?t?");               // Latin 1
+  EXPECT_EQ(printable("\xc0\xaf\xed\xa0\x80"), "?????");  // overlong, surrogate
+  EXPECT_EQ(printable("\xef\xbf\xbf"), "???");            // no character
+  EXPECT_EQ(printable("\xc2\x85"), "??");                 // a control
+  EXPECT_EQ(printable("\xe2\x88"), "??");                 // cut short
+  EXPECT_EQ(printable("abcdef", 3), "abc...");
+  EXPECT_EQ(printable("ab\xc3\xa9", 3), "ab...");  // never half a character
+}
+
+TEST(CommandLine, IsRead) {
+  const Options none = parse({});
+  EXPECT_FALSE(none.help);
+  EXPECT_EQ(none.out, "jex-tour-out");
+  EXPECT_EQ(none.file, "");
+  const Options all = parse({"data.csv", "--out", "o", "--family", "level1"});
+  EXPECT_EQ(all.file, "data.csv");
+  EXPECT_EQ(all.out, "o");
+  EXPECT_EQ(all.family, "level1");
+  EXPECT_TRUE(parse({"--help"}).help);
+}
+
+}  // namespace
+}  // namespace jex::tour

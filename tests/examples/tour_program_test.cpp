@@ -1,0 +1,292 @@
+// jex-tour as its users run it: default data, own files, unusable files, a missing module.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "examples/process.h"
+#include "examples/xml.h"
+
+namespace jex::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+Outcome tour(const Folder& folder, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {JEX_TOUR_PROGRAM, "--out", folder / "out"});
+  return run(folder, arguments);
+}
+
+// The period in the table of checks, NaN if there is none.
+double period_in(const std::string& out) {
+  static const std::regex row(R"(\n  period +([-+.0-9e]+) )");
+  std::smatch match;
+  return std::regex_search(out, match, row) ? std::stod(match[1]) : std::nan("");
+}
+
+// The points of a curve in a picture, in pixels.
+std::vector<std::pair<double, double>> points_of(const std::string& svg, const std::string& curve) {
+  const size_t element = svg.find("<polyline class=\"" + curve + "\"");
+  if (element == svg.npos) return {};
+  const size_t begin = svg.find("points=\"", element) + 8;
+  std::istringstream stream(svg.substr(begin, svg.find('"', begin) - begin));
+  std::vector<std::pair<double, double>> points;
+  for (double x, y; stream >> x && stream.get() == ',' && stream >> y;) points.push_back({x, y});
+  return points;
+}
+
+void expect_well_formed(const Folder& folder, const std::string& file) {
+  EXPECT_TRUE(well_formed(read_file(file)));
+  if (*JEX_XMLLINT) {
+    EXPECT_EQ(run(folder, {JEX_XMLLINT, "--noout", file}).status, 0);
+  }
+}
+
+std::string sinusoid(int n, double step, double period, double offset, double amplitude) {
+  std::string content = "time,value\n";
+  char line[100];
+  for (int i = 0; i < n; ++i) {
+    const double t = i * step;
+    snprintf(line, sizeof line, "%.17g,%.17g\n", t,
+             offset + amplitude * std::sin(2 * M_PI * t / period));
+    content += line;
+  }
+  return content;
+}
+
+TEST(Program, FindsTheSunspotCycle) {
+  const Folder folder;
+  const Outcome outcome = tour(folder, {});
+  EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+  EXPECT_EQ(outcome.err, "");
+  const double period = period_in(outcome.out);
+  EXPECT_GT(period, 10) << outcome.out;
+  EXPECT_LT(period, 12) << outcome.out;
+  EXPECT_NE(outcome.out.find("309, from 1700 to 2008 in steps of 1"), std::string::npos);
+  EXPECT_NE(outcome.out.find("written: " + folder / "out/level1.svg"), std::string::npos);
+}
+
+TEST(Program, DrawsEachValue) {
+  const Folder folder;
+  ASSERT_EQ(tour(folder, {}).status, 0);
+  const std::string file = folder / "out/level1.svg", svg = read_file(file);
+  expect_well_formed(folder, file);
+  const auto series = points_of(svg, "series");
+  ASSERT_EQ(series.size(), 309u);
+  EXPECT_EQ(points_of(svg, "autocorrelation").size(), 156u);
+  size_t top = 0;  // pixels count downward
+  for (size_t i = 1; i < series.size(); ++i) {
+    EXPECT_GT(series[i].first, series[i - 1].first) << i;
+    if (series[i].second < series[top].second) top = i;
+  }
+  EXPECT_EQ(1700 + top, 1957u);  // the year of the largest number
+}
+
+TEST(Program, FindsThePeriodOfASinusoid) {
+  struct Wave {
+    int n;
+    double step, period, offset, amplitude;
+  };
+  for (const Wave& w :
+       {Wave{240, 1, 12, 0, 1}, Wave{301, 0.25, 3.125, 5, 2}, Wave{2000, 1e-3, 0.0473, -1e6, 1e-3},
+        Wave{500, 10, 333, 0, 1e100}, Wave{97, 1, 7.5, 0, 1e-100}, Wave{64, 1, 4, 1, 1}}) {
+    const Folder folder;
+    const std::string file =
+        folder.write("wave.csv", sinusoid(w.n, w.step, w.period, w.offset, w.amplitude));
+    const Outcome outcome = tour(folder, {file});
+    EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+    // The factor 1 - k / n in the autocorrelation pulls its peak to shorter lags.
+    EXPECT_NEAR(period_in(outcome.out) / w.period, 1, 0.015) << outcome.out;
+    EXPECT_EQ(points_of(read_file(folder / "out/level1.svg"), "series").size(), size_t(w.n));
+    expect_well_formed(folder, folder / "out/level1.svg");
+  }
+}
+
+TEST(Program, FindsNoPeriodInALine) {
+  const Folder folder;
+  const std::string file =
+      folder.write("line.csv", "1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n7,7\n8,8\n9,9\n");
+  const Outcome outcome = tour(folder, {file});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(outcome.out.find("no local peak"), std::string::npos) << outcome.out;
+  EXPECT_TRUE(std::isnan(period_in(outcome.out)));
+}
+
+TEST(Program, ReadsTheSameFromEachSpelling) {
+  const char* const spellings[] = {
+      "1,5\n2,7\n3,4\n4,1\n5,5\n6,7.5\n7,3\n8,1\n9,5\n10,8\n",
+      "1,5\n2,7\n3,4\n4,1\n5,5\n6,7.5\n7,3\n8,1\n9,5\n10,8",
+      "\xef\xbb\xbf\"T, s\",\"a \"\"v\"\"\"\r\n1,5\r\n2,7\r\n3,4\r\n4,1\r\n5,5\r\n6,7.5\r\n7,3\r\n"
+      "8,1\r\n9,5\r\n10,8\r\n\r\n \r\n",
+      "  t ,\tv \n 1 , 5\n2,7e0\n 3,+4\n\"4\",\"1\"\n5,.5e1\n6,75E-1\n7,3.\n8,0.1e+1\n9,5\n1e1,8 "
+      "\n\n"};
+  std::string first;
+  for (const char* spelling : spellings) {
+    const Folder folder;
+    const Outcome outcome = tour(folder, {folder.write("s.csv", spelling)});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    const size_t begin = outcome.out.find("  values"), end = outcome.out.find("\n  rate");
+    ASSERT_TRUE(begin < end && end != std::string::npos) << outcome.out;
+    const std::string results = outcome.out.substr(begin, end - begin);
+    if (first.empty()) first = results;
+    EXPECT_EQ(results, first) << spelling;
+  }
+}
+
+TEST(Program, WritesForeignLabelsAsXml) {
+  const Folder folder;
+  const std::string rows = "1,5\n2,7\n3,4\n4,1\n5,5\n6,7\n7,3\n8,1\n9,5\n";
+  for (const char* header : {"<A&B>,]]>\n", "caf\xe9,\x01\x02\n", "\"x\"\"'\",caf\xc3\xa9\n"}) {
+    const Outcome outcome = tour(folder, {folder.write("s.csv", header + rows)});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    expect_well_formed(folder, folder / "out/level1.svg");
+  }
+}
+
+// One line, which names what it is about.
+void expect_one_line(const Outcome& outcome, int status, const std::string& named) {
+  EXPECT_EQ(outcome.status, status) << outcome.err;
+  EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+  EXPECT_TRUE(outcome.err.ends_with('\n')) << outcome.err;
+  EXPECT_NE(outcome.err.find(named), std::string::npos) << outcome.err;
+}
+
+TEST(Program, RefusesUnusableFiles) {
+  const std::string good = "1,5\n2,7\n3,4\n4,1\n5,5\n6,7\n7,3\n8,1\n";
+  struct Bad {
+    std::string content;
+    int line;
+    const char* reason;
+  };
+  const Bad table[] = {
+      {"", 1, "0 value"},
+      {"\n\n\n", 1, "0 value"},
+      {"YEAR,VALUE\n", 1, "0 value"},
+      {"1,5\n2,7\n3,4\n4,1\n5,5\n6,7\n7,3\n", 7, "7 value"},
+      {"a,b\n" + good + "9,x\n", 10, "'x' is not a number"},
+      {good + "nine,4\n", 9, "'nine' is not a number"},
+      {"1,x\n" + good, 1, "'x' is not a number"},
+      {"a,b\nc,d\n" + good, 2, "second header"},
+      {good + "9,nan\n", 9, "out of range"},
+      {good + "9,-inf\n", 9, "out of range"},
+      {"inf,1\n" + good, 1, "out of range"},
+      {good + "9,1e999\n", 9, "out of range"},
+      {good + "9,-2e150\n", 9, "out of range"},
+      {good + "9,0x10\n", 9, "not a number"},
+      {good + "9,+-4\n", 9, "not a number"},
+      {good + "9,4 5\n", 9, "not a number"},
+      {good + "9,1.2.3\n", 9, "not a number"},
+      {good + "9\n", 9, "1 column"},
+      {"5\n7\n4\n1\n5\n7\n3\n1\n", 1, "1 column"},
+      {good + "9,4,4\n", 9, "3 column"},
+      {good + "9;4\n", 9, "1 column"},
+      {good + "9,\n", 9, "column 2 is empty"},
+      {good + ",4\n", 9, "column 1 is empty"},
+      {good + "\"9,4\n", 9, "quote"},
+      {good + std::string("9,4\0\n", 5), 9, "zero byte"},
+      {good + "10,4\n", 9, "unequal steps"},
+      {"1,5\n2,7\n4,4\n5,1\n6,5\n7,7\n8,3\n9,1\n", 3, "unequal steps"},
+      {"1,5\n2,7\n3,4\n3,1\n5,5\n6,7\n7,3\n8,1\n", 4, "unequal steps"},
+      {good + "\n8,4\n", 10, "unequal steps"},
+      {"8,5\n7,7\n6,4\n5,1\n4,5\n3,7\n2,3\n1,1\n", 2, "does not increase"},
+      {"1,5\n1,7\n1,4\n1,1\n1,5\n1,7\n1,3\n1,1\n", 2, "does not increase"},
+      {"1,5\n2,5\n3,5\n4,5\n5,5\n6,5\n7,5\n8,5\n", 8, "equal"},
+      {"1,0\n2,0\n3,1e-200\n4,0\n5,0\n6,0\n7,0\n8,0\n", 8, "1e-140"},
+      {"\xff\xfe" + std::string("1\0,\0005\0\n\0", 8), 1, "zero byte"},
+  };
+  for (const Bad& bad : table) {
+    SCOPED_TRACE(bad.content);
+    const Folder folder;
+    const std::string file = folder.write("bad.csv", bad.content);
+    const Outcome outcome = tour(folder, {file});
+    expect_one_line(outcome, 2, file + ":" + std::to_string(bad.line) + ": ");
+    EXPECT_NE(outcome.err.find(bad.reason), std::string::npos) << outcome.err;
+    EXPECT_FALSE(fs::exists(folder / "out"));
+  }
+}
+
+TEST(Program, RefusesFilesThatCannotBeRead) {
+  const Folder folder;
+  expect_one_line(tour(folder, {folder / "absent.csv"}), 2, folder / "absent.csv:1: ");
+  expect_one_line(tour(folder, {folder / "."}), 2, "cannot be read");
+  expect_one_line(tour(folder, {"/dev/zero"}), 2, "/dev/zero:1: ");
+  std::string many;
+  for (int i = 0; i < 32769; ++i) many += std::to_string(i) + "," + std::to_string(i % 7) + "\n";
+  expect_one_line(tour(folder, {folder.write("many.csv", many)}), 2, "many.csv:32769: ");
+}
+
+TEST(Program, RefusesWrongArguments) {
+  const Folder folder;
+  const auto refused = [&](const std::vector<std::string>& arguments, const std::string& named) {
+    expect_one_line(tour(folder, arguments), 2, named);
+  };
+  refused({"--colour"}, "--colour");
+  refused({"-h"}, "-h");
+  refused({"--family"}, "--family");
+  refused({"--family", "level9"}, "level9");
+  refused({"--out"}, "--out");
+  refused({"--out", ""}, "--out");
+  refused({"a.csv", "b.csv"}, "more than one file");
+  refused({""}, "empty");
+  folder.write("taken", "");
+  refused({"--out", folder / "taken"}, folder / "taken");
+}
+
+TEST(Program, TellsItsUsage) {
+  const Folder folder;
+  const Outcome outcome = tour(folder, {"--help"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "");
+  for (const char* word : {"--help", "--family NAME", "--out DIR", "FILE", "level1"})
+    EXPECT_NE(outcome.out.find(word), std::string::npos) << word;
+}
+
+TEST(Program, ReportsALostStandardOutput) {
+  const Folder folder;
+  const Outcome outcome = run(folder, {JEX_TOUR_PROGRAM, "--out", folder / "out"}, "/dev/full");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("standard output"), std::string::npos) << outcome.err;
+}
+
+TEST(Program, ReportsAMissingModule) {
+  const Folder folder;
+  fs::create_directories(folder / "bin");
+  fs::create_directories(folder / "lib");
+  fs::copy(JEX_TOUR_PROGRAM, folder / "bin/jex-tour");
+  fs::copy(JEX_CORE_FILE, folder / "lib");
+  expect_one_line(run(folder, {folder / "bin/jex-tour", "--out", folder / "out"}), 1,
+                  "lib/libjex_q7t.so");
+  EXPECT_EQ(run(folder, {folder / "bin/jex-tour", "--help"}).status, 0);
+}
+
+// In a tree as it is installed the data beside the program comes first.
+TEST(Program, TakesTheInstalledData) {
+  const Folder folder;
+  for (const char* part : {"bin", "lib", "share/jex"}) fs::create_directories(folder / part);
+  fs::copy(JEX_TOUR_PROGRAM, folder / "bin/jex-tour");
+  for (const auto& entry : fs::directory_iterator(fs::path(JEX_CORE_FILE).parent_path()))
+    if (entry.path().filename().string().starts_with("libjex_") &&
+        entry.path().extension() == ".so")
+      fs::copy(entry.path(), folder / "lib");
+  fs::copy(JEX_SUNSPOTS, folder / "share/jex/sunspots.csv");
+  const Outcome outcome = run(folder, {folder / "bin/jex-tour", "--out", folder / "out"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(outcome.out.find(folder / "share/jex/sunspots.csv"), std::string::npos) << outcome.out;
+}
+
+TEST(XmlCheck, TellsGoodFromBroken) {
+  EXPECT_TRUE(well_formed("<?xml version=\"1.0\"?>\n<a b=\"c\"><d/>text &amp; more</a>\n"));
+  for (const char* broken : {"", "text", "<a>", "<a></b>", "<a/><b/>", "<a b=c/>", "<a b=\"<\"/>",
+                             "<a>&</a>", "<a>&x;</a>", "<a><b></a></b>", "</a>", "<a", "<a/>tail"})
+    EXPECT_FALSE(well_formed(broken)) << broken;
+}
+
+}  // namespace
+}  // namespace jex::test
