@@ -1,0 +1,17 @@
+#include "case.h"
+
+#include <fnmatch.h>
+
+namespace jex::bench {
+
+std::vector<Case> all_cases() {
+  std::vector<Case> cases;
+  add_level1(cases);
+  return cases;
+}
+
+bool matches(const std::string& pattern, const std::string& text) {
+  return text.find(pattern) != std::string::npos || fnmatch(pattern.c_str(), text.c_str(), 0) == 0;
+}
+
+}  // namespace jex::bench

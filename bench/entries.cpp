@@ -1,0 +1,39 @@
+#include "entries.h"
+
+#include <dlfcn.h>
+#include <unordered_map>
+
+#include <jex/core.h>
+
+namespace jex::bench {
+namespace {
+
+std::unordered_map<std::string, void*> table_of_module() {
+  std::unordered_map<std::string, void*> table;
+  if (const Module* module = jex::module()) {
+#define JEX_ENTRY(name) table[#name] = reinterpret_cast<void*>(module->name);
+#include <jex/export_names.inc>
+#undef JEX_ENTRY
+  }
+  return table;
+}
+
+}  // namespace
+
+Entry module_entry(const std::string& routine) {
+  static const auto table = table_of_module();
+  const auto found = table.find("jex_blas_" + routine);
+  return {found == table.end() ? nullptr : found->second, Abi::module};
+}
+
+// Never closed: a library may leave handlers behind.
+PeerLibrary::PeerLibrary(const std::string& path)
+    : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  if (!handle_) error_ = dlerror();
+}
+
+Entry PeerLibrary::entry(const std::string& routine) const {
+  return {dlsym(handle_, (routine + "_").c_str()), Abi::fortran};
+}
+
+}  // namespace jex::bench
