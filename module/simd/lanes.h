@@ -60,7 +60,6 @@ struct Lanes<float> {
   }
   void store(float* p) const { _mm_storeu_ps(p, v); }
   void store_first(float* p) const { _mm_store_ss(p, v); }
-  void stream(float* p) const { _mm_stream_ps(p, v); }
   float first() const { return _mm_cvtss_f32(v); }
 
   friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_ps(a.v, b.v)}; }
@@ -82,7 +81,6 @@ struct Lanes<double> {
   }
   void store(double* p) const { _mm_storeu_pd(p, v); }
   void store_first(double* p) const { _mm_store_sd(p, v); }
-  void stream(double* p) const { _mm_stream_pd(p, v); }
   double first() const { return _mm_cvtsd_f64(v); }
 
   friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_pd(a.v, b.v)}; }
@@ -164,7 +162,6 @@ struct ComplexLanes {
   static Lanes<T> zero() { return {Parts::zero()}; }
   static Lanes<T> load(const T* p) { return {Parts::load(&p->re)}; }
   void store(T* p) const { parts.store(&p->re); }
-  void stream(T* p) const { parts.stream(&p->re); }
 };
 
 template <>

@@ -119,8 +119,8 @@ inline R sum_terms(int n, int peel, Term term, const Source&... source) {
   };
   int i = 0;
   for (; i < peel; ++i) sums.template add<0>(term(source.first(i)...));
-  while (i + 2 * count <= n) add_block.template operator()<2 * count>(i);
-  if (i + count <= n) add_block.template operator()<count>(i);
+  while (i + 8 * width <= n) add_block.template operator()<8 * width>(i);
+  while (i + count <= n) add_block.template operator()<count>(i);
   if constexpr (count == 16)
     if (i + 8 <= n) add_block.template operator()<8>(i);
   if (i + 4 <= n) add_block.template operator()<4>(i);
