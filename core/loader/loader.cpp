@@ -40,16 +40,16 @@ std::string fill_table(Module& table, void* library, const std::string& path) {
   const void* base = nullptr;
   std::string missing;
   const auto resolve = [&](auto& entry, const char* name) {
-    entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(
-        own_symbol(base, library, name));
+    entry =
+        reinterpret_cast<std::remove_reference_t<decltype(entry)>>(own_symbol(base, library, name));
     if (!entry && missing.empty()) missing = name;
   };
   resolve(table.dll_cpu_version, "dll_cpu_version");
   if (!table.dll_cpu_version)
     return "jex: " + path + " is not a kernel module: it has no dll_cpu_version";
   if (const jex_int branch = table.dll_cpu_version(); branch != expected_branch)
-    return "jex: " + path + " is of branch " + std::to_string(branch) + ", this core needs branch " +
-           std::to_string(expected_branch);
+    return "jex: " + path + " is of branch " + std::to_string(branch) +
+           ", this core needs branch " + std::to_string(expected_branch);
   if (Dl_info info; dladdr(reinterpret_cast<void*>(table.dll_cpu_version), &info))
     base = info.dli_fbase;
 #define JEX_ENTRY(name) resolve(table.name, #name);

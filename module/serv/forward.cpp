@@ -26,29 +26,37 @@ extern "C" __attribute__((used, visibility("hidden"))) void* jex_serv_resolve_fo
 
 // EAX, ECX and EDX are free at the entry of a cdecl function; everything else, the stack included,
 // stands as the caller left it when the jump is made.
-#define JEX_FORWARD(result, name, params)          \
-  asm(".text\n"                                    \
-      ".globl " #name "\n"                         \
-      ".type " #name ", @function\n"               \
-      #name ":\n"                                  \
-      "  call .Lforward_pc\n"                      \
+#define JEX_FORWARD(result, name, params)             \
+  asm(".text\n"                                       \
+      ".globl " #name                                 \
+      "\n"                                            \
+      ".type " #name ", @function\n" #name            \
+      ":\n"                                           \
+      "  call .Lforward_pc\n"                         \
       "1: addl $_GLOBAL_OFFSET_TABLE_+(.-1b), %eax\n" \
-      "  movl .Lslot_" #name "@GOTOFF(%eax), %ecx\n" \
-      "  testl %ecx, %ecx\n"                       \
-      "  je 2f\n"                                  \
-      "  jmp *%ecx\n"                              \
-      "2: leal .Lslot_" #name "@GOTOFF(%eax), %ecx\n" \
-      "  leal .Lname_" #name "@GOTOFF(%eax), %edx\n" \
-      "  pushl %ecx\n"                             \
-      "  pushl %edx\n"                             \
-      "  call jex_serv_resolve_forward\n"          \
-      "  addl $8, %esp\n"                          \
-      "  jmp *%eax\n"                              \
-      ".size " #name ", .-" #name "\n"             \
-      ".local .Lslot_" #name "\n"                  \
-      ".comm .Lslot_" #name ", 4, 4\n"             \
-      ".section .rodata\n"                         \
-      ".Lname_" #name ": .string \"" #name "\"\n"  \
+      "  movl .Lslot_" #name                          \
+      "@GOTOFF(%eax), %ecx\n"                         \
+      "  testl %ecx, %ecx\n"                          \
+      "  je 2f\n"                                     \
+      "  jmp *%ecx\n"                                 \
+      "2: leal .Lslot_" #name                         \
+      "@GOTOFF(%eax), %ecx\n"                         \
+      "  leal .Lname_" #name                          \
+      "@GOTOFF(%eax), %edx\n"                         \
+      "  pushl %ecx\n"                                \
+      "  pushl %edx\n"                                \
+      "  call jex_serv_resolve_forward\n"             \
+      "  addl $8, %esp\n"                             \
+      "  jmp *%eax\n"                                 \
+      ".size " #name ", .-" #name                     \
+      "\n"                                            \
+      ".local .Lslot_" #name                          \
+      "\n"                                            \
+      ".comm .Lslot_" #name                           \
+      ", 4, 4\n"                                      \
+      ".section .rodata\n"                            \
+      ".Lname_" #name ": .string \"" #name            \
+      "\"\n"                                          \
       ".text\n");
 
 asm(".text\n"

@@ -51,7 +51,9 @@ struct Lanes<float> {
   static Lanes all(float a) { return {_mm_set1_ps(a)}; }
   static Lanes load(const float* p) { return {_mm_loadu_ps(p)}; }
   static Lanes load_first(const float* p) { return {_mm_load_ss(p)}; }
-  static Lanes load_two(const float* p) { return {_mm_loadl_pi(_mm_setzero_ps(), (const __m64*)p)}; }
+  static Lanes load_two(const float* p) {
+    return {_mm_loadl_pi(_mm_setzero_ps(), (const __m64*)p)};
+  }
   static Lanes gather_two(const float* p, int inc) {
     return {_mm_unpacklo_ps(_mm_load_ss(p), _mm_load_ss(p + inc))};
   }
@@ -76,9 +78,7 @@ struct Lanes<double> {
   static Lanes all(double a) { return {_mm_set1_pd(a)}; }
   static Lanes load(const double* p) { return {_mm_loadu_pd(p)}; }
   static Lanes load_first(const double* p) { return {_mm_load_sd(p)}; }
-  static Lanes gather(const double* p, int inc) {
-    return {_mm_loadh_pd(_mm_load_sd(p), p + inc)};
-  }
+  static Lanes gather(const double* p, int inc) { return {_mm_loadh_pd(_mm_load_sd(p), p + inc)}; }
   void store(double* p) const { _mm_storeu_pd(p, v); }
   void store_first(double* p) const { _mm_store_sd(p, v); }
   double first() const { return _mm_cvtsd_f64(v); }
@@ -166,9 +166,7 @@ struct ComplexLanes {
 
 template <>
 struct Lanes<jex_scomplex> : ComplexLanes<jex_scomplex> {
-  static Lanes all(jex_scomplex a) {
-    return {Parts{_mm_setr_ps(a.re, a.im, a.re, a.im)}};
-  }
+  static Lanes all(jex_scomplex a) { return {Parts{_mm_setr_ps(a.re, a.im, a.re, a.im)}}; }
   static Lanes load_first(const jex_scomplex* p) { return {Parts::load_two(&p->re)}; }
   static Lanes gather(const jex_scomplex* p, int inc) {
     return {Parts{_mm_loadh_pi(load_first(p).parts.v, (const __m64*)(p + inc))}};
@@ -198,20 +196,17 @@ template <class T>
 }
 
 template <class T>
-  requires is_complex<T>
-inline Lanes<T> operator+(Lanes<T> a, Lanes<T> b) {
-  return {a.parts + b.parts};
-}
+requires is_complex<T>
+inline Lanes<T> operator+(Lanes<T> a, Lanes<T> b) { return {a.parts + b.parts}; }
 template <class T>
-  requires is_complex<T>
-inline Lanes<T> operator-(Lanes<T> a, Lanes<T> b) {
-  return {a.parts - b.parts};
-}
+requires is_complex<T>
+inline Lanes<T> operator-(Lanes<T> a, Lanes<T> b) { return {a.parts - b.parts}; }
 
 // Sum of the elements of a register, part by part.
 template <class T>
 inline T sum_complex_lanes(Lanes<T> a) {
-  if constexpr (Lanes<T>::count == 2) a.parts.v = _mm_add_ps(a.parts.v, _mm_movehl_ps(a.parts.v, a.parts.v));
+  if constexpr (Lanes<T>::count == 2)
+    a.parts.v = _mm_add_ps(a.parts.v, _mm_movehl_ps(a.parts.v, a.parts.v));
   T sum;
   a.store_first(&sum);
   return sum;
@@ -230,7 +225,7 @@ struct Factor {
 };
 
 template <class T>
-  requires is_complex<T>
+requires is_complex<T>
 struct Factor<T> {
   using R = Real<T>;
   Lanes<R> re, im;  // f.re f.re .., -f.im f.im ..
@@ -242,9 +237,7 @@ struct Factor<T> {
 };
 
 template <class T>
-  requires is_complex<T>
-inline Lanes<T> operator*(Lanes<T> x, Factor<Real<T>> f) {
-  return {x.parts * f.all};
-}
+requires is_complex<T>
+inline Lanes<T> operator*(Lanes<T> x, Factor<Real<T>> f) { return {x.parts * f.all}; }
 
 }  // namespace jex::simd

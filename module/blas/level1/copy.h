@@ -20,7 +20,8 @@ inline void copy(int n, const T* x, int incx, T* y, int incy) {
   if (n < 1) return;
   if (incx == 1 && incy == 1 && n >= int(string_copy_bytes / sizeof(T)))
     return copy_string(n * sizeof(T), x, y);
-  for_each<T>(n, [](Lanes<T> x, Lanes<T>& y) { y = x; }, In<T>{x, incx}, Out<T>{{y, incy}});
+  for_each<T>(
+      n, [](Lanes<T> x, Lanes<T>& y) { y = x; }, In<T>{x, incx}, Out<T>{{y, incy}});
 }
 
 }  // namespace jex::blas

@@ -5,9 +5,9 @@
 // a NaN replaces whatever it meets and is replaced by the element after it, as every comparison
 // with it is false.
 //
-// The fast path takes blocks of 16 registers of magnitudes. A block in which no magnitude passes the running
-// extreme and none is NaN costs one comparison; a block that does is only remembered, and searched
-// for its first extreme at the end. A block with a NaN is walked.
+// The fast path takes blocks of 16 registers of magnitudes. A block in which no magnitude passes
+// the running extreme and none is NaN costs one comparison; a block that does is only remembered,
+// and searched for its first extreme at the end. A block with a NaN is walked.
 #pragma once
 
 #include "blas/level1/sums.h"
@@ -22,7 +22,7 @@ inline Lanes<R> magnitudes(const R* p) {
   return abs(Lanes<R>::load(p));
 }
 template <class T>
-  requires is_complex<T>
+requires is_complex<T>
 inline Lanes<Real<T>> magnitudes(const T* p) {
   return simd::add_parts(abs(Lanes<T>::load(p).parts),
                          abs(Lanes<T>::load(p + Lanes<T>::count).parts));
@@ -31,10 +31,8 @@ inline Lanes<Real<T>> magnitudes(const T* p) {
 inline float magnitude(float a) { return __builtin_fabsf(a); }
 inline double magnitude(double a) { return __builtin_fabs(a); }
 template <class T>
-  requires is_complex<T>
-inline Real<T> magnitude(T a) {
-  return magnitude(a.re) + magnitude(a.im);
-}
+requires is_complex<T>
+inline Real<T> magnitude(T a) { return magnitude(a.re) + magnitude(a.im); }
 
 template <Extreme extreme, class R>
 struct RunningExtreme {

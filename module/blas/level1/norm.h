@@ -12,14 +12,15 @@ namespace jex::blas {
 // float: every element widened to double, peeled to a 16-byte boundary.
 inline double sum_squares(int n, const double* x) {
   const int whole = n & ~3;
-  double sum = sum_terms<double>(whole, 0, [](Lanes<double> x) { return x * x; },
-                                 Contiguous<double>{x});
+  double sum = sum_terms<double>(
+      whole, 0, [](Lanes<double> x) { return x * x; }, Contiguous<double>{x});
   for (int i = whole; i < n; ++i) sum += x[i] * x[i];
   return sum;
 }
 inline double sum_squares(int n, const float* x) {
-  return sum_terms<double>(n, elements_to_boundary(x, n), [](Lanes<double> x) { return x * x; },
-                           Widened<Contiguous<float>>{{x}});
+  return sum_terms<double>(
+      n, elements_to_boundary(x, n), [](Lanes<double> x) { return x * x; },
+      Widened<Contiguous<float>>{{x}});
 }
 
 // Sum of the squares of spaced elements in two partial sums: even and odd elements, or, for complex
@@ -60,7 +61,8 @@ inline Real<T> nrm2(int n, const T* x, int incx) {
 // Sums of magnitudes use four registers: 8 sums in double, 16 in single precision.
 template <class R, class Source>
 inline R sum_magnitudes(int n, int peel, const Source& x) {
-  return sum_terms<R, 4 * Lanes<R>::count>(n, peel, [](Lanes<R> x) { return abs(x); }, x);
+  return sum_terms<R, 4 * Lanes<R>::count>(
+      n, peel, [](Lanes<R> x) { return abs(x); }, x);
 }
 
 template <class T>
@@ -73,7 +75,7 @@ inline T asum(int n, const T* x, int incx) {
 
 // |re| + |im| of every element.
 template <class T>
-  requires is_complex<T>
+requires is_complex<T>
 inline Real<T> asum(int n, const T* x, int incx) {
   using R = Real<T>;
   if (incx == 1 || incx == -1) return asum(2 * n, reinterpret_cast<const R*>(x), 1);

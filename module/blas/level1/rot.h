@@ -15,7 +15,7 @@ inline jex_dcomplex conjugate(jex_dcomplex a) { return {a.re, -a.im}; }
 template <class T, class S>
 inline auto rotation(Real<T> c, S s) {
   return [c = Factor<Real<T>>(c), s = Factor<S>(s), t = Factor<S>(conjugate(s))](Lanes<T>& x,
-                                                                               Lanes<T>& y) {
+                                                                                 Lanes<T>& y) {
     x = pinned(x);
     y = pinned(y);
     Lanes<T> xt = pinned(x), ys = pinned(y);
@@ -48,10 +48,13 @@ inline void rotm(int n, T* x, int incx, T* y, int incy, const T* param) {
   if (n < 1 || flag == -2) return;
   const Factor<T> h11(param[1]), h21(param[2]), h12(param[3]), h22(param[4]);
   const auto apply = [&](auto rows) {
-    for_each<T>(n, [=](L& x, L& y) {
-      const L old = x;
-      rows(old, y, x, y);
-    }, InOut<T>{x, incx}, InOut<T>{y, incy});
+    for_each<T>(
+        n,
+        [=](L& x, L& y) {
+          const L old = x;
+          rows(old, y, x, y);
+        },
+        InOut<T>{x, incx}, InOut<T>{y, incy});
   };
   if (flag < 0)
     apply([=](L x, L y, L& xh, L& yh) { xh = x * h11 + y * h12, yh = x * h21 + y * h22; });
@@ -65,23 +68,29 @@ inline void rotm(int n, T* x, int incx, T* y, int incy, const T* param) {
 template <class T>
 inline void rot2(int n, T* x, int incx, T* y, int incy, T tau, T v) {
   const Factor<T> ftau(tau), fv(v);
-  for_each<T>(n, [=](Lanes<T>& x, Lanes<T>& y) {
-    const Lanes<T> t = (y * fv + x) * ftau;
-    x = x - t;
-    y = y - t * fv;
-  }, InOut<T>{x, incx}, InOut<T>{y, incy});
+  for_each<T>(
+      n,
+      [=](Lanes<T>& x, Lanes<T>& y) {
+        const Lanes<T> t = (y * fv + x) * ftau;
+        x = x - t;
+        y = y - t * fv;
+      },
+      InOut<T>{x, incx}, InOut<T>{y, incy});
 }
 
 // Order 3: t = (p y + x + q z) tau,  x := x - t,  y := y - t p,  z := z - t q
 template <class T>
 inline void rot3(int n, T* x, int incx, T* y, int incy, T* z, int incz, T tau, T p, T q) {
   const Factor<T> ftau(tau), fp(p), fq(q);
-  for_each<T>(n, [=](Lanes<T>& x, Lanes<T>& y, Lanes<T>& z) {
-    const Lanes<T> t = (y * fp + x + z * fq) * ftau;
-    x = x - t;
-    y = y - t * fp;
-    z = z - t * fq;
-  }, InOut<T>{x, incx}, InOut<T>{y, incy}, InOut<T>{z, incz});
+  for_each<T>(
+      n,
+      [=](Lanes<T>& x, Lanes<T>& y, Lanes<T>& z) {
+        const Lanes<T> t = (y * fp + x + z * fq) * ftau;
+        x = x - t;
+        y = y - t * fp;
+        z = z - t * fq;
+      },
+      InOut<T>{x, incx}, InOut<T>{y, incy}, InOut<T>{z, incz});
 }
 
 }  // namespace jex::blas

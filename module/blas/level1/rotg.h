@@ -40,7 +40,7 @@ inline void rotg(T* a, T* b, T* c, T* s) {
 // Complex a and b, real c: c = |a| / norm, s = (a / |a|) conj(b) / norm, a := (a / |a|) norm
 // where norm = sqrt(|a|^2 + |b|^2). a = 0 gives c = 0, s = 1, a := b.
 template <class T>
-  requires is_complex<T>
+requires is_complex<T>
 inline void rotg(T* a, const T* b, Real<T>* c, T* s) {
   using R = Real<T>;
   const R abs_a = R(hypot(a->re, a->im)), abs_b = R(hypot(b->re, b->im));
@@ -69,8 +69,9 @@ inline bool rotmg_rescales(T d) {
 }
 
 // The modified rotation H that makes the second component of H (sqrt(d1) x1, sqrt(d2) y1) zero.
-// d1, d2 and x1 are updated; the scale factors are kept between 1/gamma^2 and gamma^2, gamma = 4096,
-// by moving powers of gamma into H. param receives the flag and the elements that it leaves open.
+// d1, d2 and x1 are updated; the scale factors are kept between 1/gamma^2 and gamma^2, gamma =
+// 4096, by moving powers of gamma into H. param receives the flag and the elements that it leaves
+// open.
 template <class T>
 inline void rotmg(T* d1, T* d2, T* x1, T y1, T* param) {
   constexpr T gamma = rotmg_gamma, gamma2 = gamma * gamma;

@@ -64,7 +64,9 @@ struct Indexed : Stream {
   Indexed(Stream dense, const jex_int* index) : Stream(dense), index(index) { this->inc = 0; }
   auto load_first(int i) const { return dense().load_first(index[i] - 1); }
   template <class L>
-  void store_first(L a, int i) const { dense().store_first(a, index[i] - 1); }
+  void store_first(L a, int i) const {
+    dense().store_first(a, index[i] - 1);
+  }
   Indexed from_start(int) const { return *this; }
 
  private:

@@ -1,9 +1,9 @@
 // Partial sums: the order in which every reduction of this family adds its terms.
 //
 // Eight sums S0..S7 (or sixteen), all zero at first. The terms come in blocks of 8 and then, from
-// what is left, one block of 4, one of 2 and one single term; term j of a block goes to sum j. Terms
-// peeled to reach a 16-byte boundary go to S0 before all others. At the end the upper half of the
-// sums is added to the lower half until one is left:
+// what is left, one block of 4, one of 2 and one single term; term j of a block goes to sum j.
+// Terms peeled to reach a 16-byte boundary go to S0 before all others. At the end the upper half of
+// the sums is added to the lower half until one is left:
 //
 //   ((S0 + S4) + (S2 + S6)) + ((S1 + S5) + (S3 + S7))
 //
@@ -27,7 +27,6 @@ using simd::sum_lanes;
 
 template <class T>
 struct Contiguous {
-  using Real = T;
   const T* p;
   Lanes<T> lanes(int i) const { return Lanes<T>::load(p + i); }
   Lanes<T> two(int i) const { return Lanes<T>::load_two(p + i); }
@@ -36,7 +35,6 @@ struct Contiguous {
 
 template <class T>
 struct Spaced {
-  using Real = T;
   const T* p;
   int inc;
   Lanes<T> lanes(int i) const { return Lanes<T>::gather(p + i * inc, inc); }
@@ -52,15 +50,12 @@ struct SpacedParts {
   int inc;
   Lanes<Real> lanes(int i) const { return Lanes<T>::gather(p + i / 2 * inc, inc).parts; }
   Lanes<Real> two(int i) const { return Lanes<T>::load_first(p + i / 2 * inc).parts; }
-  Lanes<Real> first(int i) const {
-    return Lanes<Real>::load_first(&p[i / 2 * inc].re + i % 2);
-  }
+  Lanes<Real> first(int i) const { return Lanes<Real>::load_first(&p[i / 2 * inc].re + i % 2); }
 };
 
 // Elements of a dense vector named by 1-based indices.
 template <class T>
 struct Gathered {
-  using Real = T;
   const T* p;
   const jex_int* index;
   Lanes<T> lanes(int i) const {
@@ -75,14 +70,22 @@ struct Gathered {
   Lanes<T> first(int i) const { return Lanes<T>::load_first(p + (index[i] - 1)); }
 };
 
+// Sources whose elements lie side by side are worth an unrolled loop.
+template <class Source>
+inline constexpr bool side_by_side = false;
+template <class T>
+inline constexpr bool side_by_side<Contiguous<T>> = true;
+
 // A source of floats as doubles.
 template <class Source>
 struct Widened {
-  using Real = double;
   Source source;
   Lanes<double> lanes(int i) const { return simd::widen_low(source.two(i)); }
   Lanes<double> first(int i) const { return simd::widen_low(source.first(i)); }
 };
+
+template <class Source>
+inline constexpr bool side_by_side<Widened<Source>> = side_by_side<Source>;
 
 template <class R, int count>
 struct PartialSums {
@@ -103,7 +106,8 @@ struct PartialSums {
   }
 };
 
-// Sum over n terms in count partial sums; term(lanes of each source) gives the terms of one register.
+// Sum over n terms in count partial sums; term(lanes of each source) gives the terms of one
+// register.
 template <class R, int count = 8, class Term, class... Source>
 inline R sum_terms(int n, int peel, Term term, const Source&... source) {
   PartialSums<R, count> sums;
@@ -112,14 +116,17 @@ inline R sum_terms(int n, int peel, Term term, const Source&... source) {
     sums.template add<k % sums.registers>(term(source.lanes(i + k * width)...));
   };
   const auto add_registers = [&]<int... k>(int i, std::integer_sequence<int, k...>)
-      __attribute__((always_inline)) { (add_register.template operator()<k>(i), ...); };
+      __attribute__((always_inline)) {
+    (add_register.template operator()<k>(i), ...);
+  };
   const auto add_block = [&]<int size>(int& i) __attribute__((always_inline)) {
     add_registers(i, std::make_integer_sequence<int, size / width>());
     i += size;
   };
   int i = 0;
   for (; i < peel; ++i) sums.template add<0>(term(source.first(i)...));
-  while (i + 8 * width <= n) add_block.template operator()<8 * width>(i);
+  if constexpr ((side_by_side<Source> && ...))
+    while (i + 8 * width <= n) add_block.template operator()<8 * width>(i);
   while (i + count <= n) add_block.template operator()<count>(i);
   if constexpr (count == 16)
     if (i + 8 <= n) add_block.template operator()<8>(i);
