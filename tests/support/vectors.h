@@ -77,9 +77,10 @@ class Vector {
         memory_(span_ * sizeof(T) + 32),
         p_(static_cast<T*>(memory_.place(span_ * sizeof(T), offset, side))),
         model_(span_) {
+    if (n < 1) return;
     memset(static_cast<void*>(model_.data()), 0xff, span_ * sizeof(T));
     for (int i = 0; i < n; ++i) at(i) = random_value<T>(random, values);
-    if (span_) memcpy(static_cast<void*>(p_), model_.data(), span_ * sizeof(T));
+    memcpy(static_cast<void*>(p_), model_.data(), span_ * sizeof(T));
   }
 
   T* data() { return p_; }
