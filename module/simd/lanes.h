@@ -62,6 +62,12 @@ struct Lanes<float> {
   }
   void store(float* p) const { _mm_storeu_ps(p, v); }
   void store_first(float* p) const { _mm_store_ss(p, v); }
+  void scatter(float* p, int inc) const {
+    _mm_store_ss(p, v);
+    _mm_store_ss(p + inc, _mm_shuffle_ps(v, v, 1));
+    _mm_store_ss(p + 2 * inc, _mm_movehl_ps(v, v));
+    _mm_store_ss(p + 3 * inc, _mm_shuffle_ps(v, v, 3));
+  }
   float first() const { return _mm_cvtss_f32(v); }
 
   friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_ps(a.v, b.v)}; }
@@ -81,6 +87,10 @@ struct Lanes<double> {
   static Lanes gather(const double* p, int inc) { return {_mm_loadh_pd(_mm_load_sd(p), p + inc)}; }
   void store(double* p) const { _mm_storeu_pd(p, v); }
   void store_first(double* p) const { _mm_store_sd(p, v); }
+  void scatter(double* p, int inc) const {
+    _mm_storel_pd(p, v);
+    _mm_storeh_pd(p + inc, v);
+  }
   double first() const { return _mm_cvtsd_f64(v); }
 
   friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_pd(a.v, b.v)}; }
@@ -129,6 +139,18 @@ inline Lanes<double> add_parts(Lanes<double> a, Lanes<double> b) {
   return {_mm_add_pd(_mm_unpacklo_pd(a.v, b.v), _mm_unpackhi_pd(a.v, b.v))};
 }
 
+// The lanes named by the bits of which; the others become +0, whatever they held.
+template <unsigned which>
+inline Lanes<float> keep(Lanes<float> a) {
+  constexpr auto word = [](int lane) { return (which >> lane & 1) ? -1 : 0; };
+  return {_mm_and_ps(a.v, _mm_castsi128_ps(_mm_setr_epi32(word(0), word(1), word(2), word(3))))};
+}
+template <unsigned which>
+inline Lanes<double> keep(Lanes<double> a) {
+  constexpr auto word = [](int lane) { return (which >> lane & 1) ? -1 : 0; };
+  return {_mm_and_pd(a.v, _mm_castsi128_pd(_mm_setr_epi32(word(0), word(0), word(1), word(1))))};
+}
+
 // Two floats, widened to double without rounding.
 inline Lanes<double> widen_low(Lanes<float> a) { return {_mm_cvtps_pd(a.v)}; }
 
@@ -172,6 +194,10 @@ struct Lanes<jex_scomplex> : ComplexLanes<jex_scomplex> {
     return {Parts{_mm_loadh_pi(load_first(p).parts.v, (const __m64*)(p + inc))}};
   }
   void store_first(jex_scomplex* p) const { _mm_storel_pi((__m64*)p, parts.v); }
+  void scatter(jex_scomplex* p, int inc) const {
+    store_first(p);
+    _mm_storeh_pi((__m64*)(p + inc), parts.v);
+  }
 };
 
 template <>
@@ -180,6 +206,7 @@ struct Lanes<jex_dcomplex> : ComplexLanes<jex_dcomplex> {
   static Lanes load_first(const jex_dcomplex* p) { return load(p); }
   static Lanes gather(const jex_dcomplex* p, int) { return load(p); }
   void store_first(jex_dcomplex* p) const { store(p); }
+  void scatter(jex_dcomplex* p, int) const { store(p); }
 };
 
 // Says that a value is in a register here. The compiler otherwise moves the loads of an unrolled
@@ -193,6 +220,39 @@ template <class T>
     asm("" : "+x"(v));
     return {v};
   }
+}
+
+// sum += term, in the register that holds the sum. The compiler is free to leave the sum of a
+// commutative operation in the other operand; where sums fill the registers it then runs out of them.
+[[gnu::always_inline]] inline void accumulate(Lanes<float>& sum, Lanes<float> term) {
+  asm("addps %1, %0" : "+x"(sum.v) : "x"(term.v));
+}
+[[gnu::always_inline]] inline void accumulate(Lanes<double>& sum, Lanes<double> term) {
+  asm("addpd %1, %0" : "+x"(sum.v) : "x"(term.v));
+}
+
+// Asks for the cache line of an address, which need not be readable.
+[[gnu::always_inline]] inline void prefetch(const void* p) {
+  _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0);
+}
+
+// An address or a distance that is kept as it is, not rewritten into sums of others.
+template <class T>
+  requires std::is_scalar_v<T>
+[[gnu::always_inline]] inline T pinned(T a) {
+  asm("" : "+r"(a));
+  return a;
+}
+
+// sum + term, in the register of the sum. Left to choose, the compiler may take the term's and copy
+// the result back in every step of a loop.
+[[gnu::always_inline]] inline Lanes<float> accumulated(Lanes<float> sum, Lanes<float> term) {
+  asm("addps %1, %0" : "+x"(sum.v) : "x"(term.v));
+  return sum;
+}
+[[gnu::always_inline]] inline Lanes<double> accumulated(Lanes<double> sum, Lanes<double> term) {
+  asm("addpd %1, %0" : "+x"(sum.v) : "x"(term.v));
+  return sum;
 }
 
 template <class T>

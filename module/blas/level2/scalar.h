@@ -1,0 +1,31 @@
+// Arithmetic on single elements, alike for real and complex types. A complex product is
+// (a.re b.re - a.im b.im, a.im b.re + a.re b.im), each product and sum rounded by itself.
+#pragma once
+
+#include "blas/level1/rot.h"
+#include "blas/level1/zero.h"
+
+namespace jex::blas {
+
+inline bool is_one(float a) { return a == 1; }
+inline bool is_one(double a) { return a == 1; }
+inline bool is_one(jex_scomplex a) { return a.re == 1 && is_zero(a.im); }
+inline bool is_one(jex_dcomplex a) { return a.re == 1 && is_zero(a.im); }
+
+template <class T>
+[[gnu::always_inline]] inline T add(T a, T b) {
+  if constexpr (is_complex<T>)
+    return {a.re + b.re, a.im + b.im};
+  else
+    return a + b;
+}
+
+template <class T>
+[[gnu::always_inline]] inline T multiply(T a, T b) {
+  if constexpr (is_complex<T>)
+    return {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im};
+  else
+    return a * b;
+}
+
+}  // namespace jex::blas
