@@ -38,6 +38,22 @@ __extension__ typedef double _Complex jex_f77_z;
 /** @brief Index of an element for C, counted from 0. */
 typedef size_t jex_cblas_index;
 
+/** @brief How C stores a matrix: rows or columns one after the other. */
+typedef jex_int jex_cblas_order;
+enum { JEX_CBLAS_ROW_MAJOR = 101, JEX_CBLAS_COL_MAJOR = 102 };
+
+/** @brief The operation on a matrix of a C call. */
+typedef jex_int jex_cblas_transpose;
+enum { JEX_CBLAS_NO_TRANS = 111, JEX_CBLAS_TRANS = 112, JEX_CBLAS_CONJ_TRANS = 113 };
+
+/** @brief The triangle of a matrix that a C call reads or writes. */
+typedef jex_int jex_cblas_uplo;
+enum { JEX_CBLAS_UPPER = 121, JEX_CBLAS_LOWER = 122 };
+
+/** @brief Whether the diagonal of a triangular matrix is stored, or all ones. */
+typedef jex_int jex_cblas_diag;
+enum { JEX_CBLAS_NON_UNIT = 131, JEX_CBLAS_UNIT = 132 };
+
 ${prototypes}
 #ifdef __cplusplus
 }

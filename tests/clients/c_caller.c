@@ -25,6 +25,14 @@ double cblas_dcabs1(const void*);
 float cblas_scabs1(const void*);
 size_t cblas_idamax(int, const double*, int);
 size_t cblas_icamax(int, const void*, int);
+void cblas_dgemv(int, int, int, int, double, const double*, int, const double*, int, double,
+                 double*, int);
+void cblas_zgemv(int, int, int, int, const void*, const void*, int, const void*, int, const void*,
+                 void*, int);
+void cblas_ztrsv(int, int, int, int, int, const void*, int, void*, int);
+extern int RowMajorStrg, CBLAS_CallFromC;
+
+enum { by_rows = 101, by_columns = 102, no_trans = 111, conj_trans = 113, upper = 121, unit = 132 };
 
 static int faults;
 static void check(int right, const char* what) {
@@ -73,6 +81,27 @@ int main(void) {
   float d1 = 1, d2 = 1, x1 = 1, param[5];
   cblas_srotmg(&d1, &d2, &x1, 1, param);
   CHECK(d1 == 0.5f && d2 == 0.5f && x1 == 2 && param[0] == 1);
+
+  // 1 2 3   by rows, or its transpose by columns.
+  // 4 5 6
+  const double a[] = {1, 2, 3, 4, 5, 6}, t[] = {1, 10, 100};
+  double v[3] = {7, 7, 7};
+  cblas_dgemv(by_rows, no_trans, 2, 3, 1, a, 3, t, 1, 0, v, 1);
+  CHECK(v[0] == 321 && v[1] == 654 && v[2] == 7);
+  cblas_dgemv(by_columns, no_trans, 3, 2, 1, a, 3, t, 1, 1, v, 1);
+  CHECK(v[0] == 321 + 41 && v[1] == 654 + 52 && v[2] == 7 + 63);
+
+  const double _Complex b[] = {1, I, 0, 2}, unity = 1, zero = 0;
+  double _Complex r[2];
+  cblas_zgemv(by_rows, conj_trans, 2, 2, &unity, b, 2, zx, 1, &zero, r, 1);
+  CHECK(r[0] == 1 + 2 * I && r[1] == -I * (1 + 2 * I) + 2 * (3 - I));
+  cblas_ztrsv(by_rows, upper, conj_trans, unit, 2, b, 2, r, 1);
+  CHECK(r[0] == 1 + 2 * I && r[1] == 2 * (3 - I));
+
+  // A wrong argument: reported to the standard error, nothing done, and the program goes on.
+  cblas_dgemv(by_rows, no_trans, 2, 3, 1, a, 2, t, 1, 0, v, 1);
+  CHECK(v[0] == 362);
+  CHECK(RowMajorStrg == 0 && CBLAS_CallFromC == 0);
 
   if (!faults) puts("every call from C came out right");
   return faults != 0;

@@ -1,6 +1,23 @@
 ! A Fortran program on the drop-in BLAS: every kind of argument and of function result, with
 ! operands whose results are exact.
+module reports
+  implicit none
+  character(6) :: reported = ''
+  integer :: position = 0
+end module
+
+! The program's own: it takes the place of the library's.
+subroutine xerbla(name, info)
+  use reports
+  implicit none
+  character(*), intent(in) :: name
+  integer, intent(in) :: info
+  reported = name
+  position = info
+end subroutine
+
 program fortran_caller
+  use reports
   implicit none
   complex, external :: cdotu, cdotc
   complex(kind(1d0)), external :: zdotu, zdotc
@@ -8,9 +25,13 @@ program fortran_caller
   double precision, external :: ddot, dsdot, dnrm2, dznrm2, dasum, dzasum, dcabs1
   integer, external :: isamax, idamax, icamax, izamax
   external :: daxpy, caxpy, zscal, csscal, zdscal, dcopy, cswap
+  external :: dgemv, zgerc, ztrsv, dsyr, dger
+  logical, external :: lsame
   external :: drot, zdrot, drotg, crotg, drotm, drotmg
 
   integer :: faults = 0
+  double precision :: g(2, 3) = reshape([1d0, 4d0, 2d0, 5d0, 3d0, 6d0], [2, 3])
+  complex(kind(1d0)) :: w(2, 2) = reshape([(1d0, 0d0), (0d0, 0d0), (0d0, 1d0), (2d0, 0d0)], [2, 2])
   real :: s(3) = [3., 0., 4.], t(3) = [1., 2., -2.], sc
   double precision :: d(3) = [3d0, 0d0, -4d0], e(3) = [1d0, 2d0, -2d0], a, b, c, si, param(5)
   complex :: u(2) = [(1., 2.), (3., -1.)], v(2) = [(2., -1.), (1., 4.)], ca, cs
@@ -75,6 +96,26 @@ program fortran_caller
   d = [1d0, 2d0, 3d0]; e = [4d0, 5d0, 6d0]
   call drotm(3, d, 1, e, 1, [0d0, 7d0, 2d0, 3d0, 7d0])
   call check('drotm', all(d == [13d0, 17d0, 21d0]) .and. all(e == [6d0, 9d0, 12d0]))
+
+  d = [1d0, 10d0, 100d0]; e = 7
+  call dgemv('No transpose', 2, 3, 1d0, g, 2, d, 1, 0d0, e, 1)
+  call check('dgemv', all(e == [321d0, 654d0, 7d0]))
+  call dgemv('t', 2, 3, 2d0, g, 2, d, 1, 1d0, e, 1)
+  call check('dgemv of the transpose', all(e == [403d0, 758d0, 133d0]))
+  x = [(1d0, 2d0), (3d0, -1d0)]; y = [(0d0, 1d0), (1d0, 0d0)]
+  call zgerc(2, 2, (1d0, 0d0), x, 1, y, 1, w, 2)
+  call check('zgerc', all(w(:, 1) == [(3d0, -1d0), (-1d0, -3d0)]) .and. &
+                      all(w(:, 2) == [(1d0, 3d0), (5d0, -1d0)]))
+  call ztrsv('Upper', 'Conjugate', 'Unit', 2, w, 2, x, 1)
+  call check('ztrsv', all(x == [(1d0, 2d0), (-4d0, 0d0)]))
+  call check('lsame', lsame('Upper', 'u') .and. .not. lsame('L', 'u'))
+  ! Wrong arguments: xerbla reports them here, and the routine returns.
+  call dger(-1, 2, 1d0, d, 1, d, 1, g, 2)
+  call check('dger', reported == 'DGER' .and. position == 1)
+  call dsyr('x', 2, 1d0, d, 1, g, 2)
+  call check('dsyr', reported == 'DSYR' .and. position == 1)
+  call dgemv('N', 2, 3, 1d0, g, 1, d, 1, 0d0, e, 1)
+  call check('dgemv with a bad lda', reported == 'DGEMV' .and. position == 6 .and. e(1) == 403d0)
 
   if (faults > 0) stop 1
   print '(a)', 'every call from Fortran came out right'

@@ -1,0 +1,144 @@
+// Checks of users' arguments, one list for each signature. A list answers with the position of the
+// first wrong argument, as the Fortran routines count them, or 0; C entries ask it with the values
+// that their Fortran call would have.
+#pragma once
+
+#include <jex/types.h>
+
+#include <algorithm>
+#include <stdint.h>
+
+namespace jex::front {
+
+// The first character of an option word, without regard to the case of the ASCII letters.
+inline char option(const char* word) {
+  return *word >= 'a' && *word <= 'z' ? char(*word - 'a' + 'A') : *word;
+}
+
+namespace wrong {
+
+inline bool uplo(const char* word) { return option(word) != 'U' && option(word) != 'L'; }
+inline bool diag(const char* word) { return option(word) != 'U' && option(word) != 'N'; }
+inline bool trans(const char* word) {
+  return option(word) != 'N' && option(word) != 'T' && option(word) != 'C';
+}
+inline bool lda(jex_int lda, int64_t rows) { return lda < std::max<int64_t>(1, rows); }
+
+inline jex_int gemv(const char* trans, jex_int m, jex_int n, jex_int lda, jex_int incx,
+                    jex_int incy) {
+  return wrong::trans(trans)  ? 1
+         : m < 0              ? 2
+         : n < 0              ? 3
+         : wrong::lda(lda, m) ? 6
+         : incx == 0          ? 8
+         : incy == 0          ? 11
+                              : 0;
+}
+
+inline jex_int gbmv(const char* trans, jex_int m, jex_int n, jex_int kl, jex_int ku, jex_int lda,
+                    jex_int incx, jex_int incy) {
+  return wrong::trans(trans)                     ? 1
+         : m < 0                                 ? 2
+         : n < 0                                 ? 3
+         : kl < 0                                ? 4
+         : ku < 0                                ? 5
+         : wrong::lda(lda, int64_t(kl) + ku + 1) ? 8
+         : incx == 0                             ? 10
+         : incy == 0                             ? 13
+                                                 : 0;
+}
+
+inline jex_int ger(jex_int m, jex_int n, jex_int incx, jex_int incy, jex_int lda) {
+  return m < 0 ? 1 : n < 0 ? 2 : incx == 0 ? 5 : incy == 0 ? 7 : wrong::lda(lda, m) ? 9 : 0;
+}
+
+// symv and hemv.
+inline jex_int symv(const char* uplo, jex_int n, jex_int lda, jex_int incx, jex_int incy) {
+  return wrong::uplo(uplo)    ? 1
+         : n < 0              ? 2
+         : wrong::lda(lda, n) ? 5
+         : incx == 0          ? 7
+         : incy == 0          ? 10
+                              : 0;
+}
+
+// sbmv and hbmv.
+inline jex_int sbmv(const char* uplo, jex_int n, jex_int k, jex_int lda, jex_int incx,
+                    jex_int incy) {
+  return wrong::uplo(uplo)                 ? 1
+         : n < 0                           ? 2
+         : k < 0                           ? 3
+         : wrong::lda(lda, int64_t(k) + 1) ? 6
+         : incx == 0                       ? 8
+         : incy == 0                       ? 11
+                                           : 0;
+}
+
+// spmv and hpmv.
+inline jex_int spmv(const char* uplo, jex_int n, jex_int incx, jex_int incy) {
+  return wrong::uplo(uplo) ? 1 : n < 0 ? 2 : incx == 0 ? 6 : incy == 0 ? 9 : 0;
+}
+
+// syr and her.
+inline jex_int syr(const char* uplo, jex_int n, jex_int incx, jex_int lda) {
+  return wrong::uplo(uplo) ? 1 : n < 0 ? 2 : incx == 0 ? 5 : wrong::lda(lda, n) ? 7 : 0;
+}
+
+// spr and hpr.
+inline jex_int spr(const char* uplo, jex_int n, jex_int incx) {
+  return wrong::uplo(uplo) ? 1 : n < 0 ? 2 : incx == 0 ? 5 : 0;
+}
+
+// syr2 and her2.
+inline jex_int syr2(const char* uplo, jex_int n, jex_int incx, jex_int incy, jex_int lda) {
+  return wrong::uplo(uplo)    ? 1
+         : n < 0              ? 2
+         : incx == 0          ? 5
+         : incy == 0          ? 7
+         : wrong::lda(lda, n) ? 9
+                              : 0;
+}
+
+// spr2 and hpr2.
+inline jex_int spr2(const char* uplo, jex_int n, jex_int incx, jex_int incy) {
+  return wrong::uplo(uplo) ? 1 : n < 0 ? 2 : incx == 0 ? 5 : incy == 0 ? 7 : 0;
+}
+
+// trmv and trsv.
+inline jex_int trmv(const char* uplo, const char* trans, const char* diag, jex_int n, jex_int lda,
+                    jex_int incx) {
+  return wrong::uplo(uplo)     ? 1
+         : wrong::trans(trans) ? 2
+         : wrong::diag(diag)   ? 3
+         : n < 0               ? 4
+         : wrong::lda(lda, n)  ? 6
+         : incx == 0           ? 8
+                               : 0;
+}
+
+// tbmv and tbsv.
+inline jex_int tbmv(const char* uplo, const char* trans, const char* diag, jex_int n, jex_int k,
+                    jex_int lda, jex_int incx) {
+  return wrong::uplo(uplo)                 ? 1
+         : wrong::trans(trans)             ? 2
+         : wrong::diag(diag)               ? 3
+         : n < 0                           ? 4
+         : k < 0                           ? 5
+         : wrong::lda(lda, int64_t(k) + 1) ? 7
+         : incx == 0                       ? 9
+                                           : 0;
+}
+
+// tpmv and tpsv.
+inline jex_int tpmv(const char* uplo, const char* trans, const char* diag, jex_int n,
+                    jex_int incx) {
+  return wrong::uplo(uplo)     ? 1
+         : wrong::trans(trans) ? 2
+         : wrong::diag(diag)   ? 3
+         : n < 0               ? 4
+         : incx == 0           ? 7
+                               : 0;
+}
+
+}  // namespace wrong
+}  // namespace jex::front
