@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "families/kernels.h"
 #include "tour/family.h"
 #include "tour/series.h"
 #include "tour/svg.h"
@@ -15,38 +16,6 @@
 
 namespace jex::tour {
 namespace {
-
-using Vector = std::vector<double>;
-
-// The kernels on whole vectors of increment 1, scalars by value.
-struct Kernels {
-  const Module& module;
-  static constexpr jex_int one = 1;
-
-  double dot(jex_int n, const double* x, const double* y) const {
-    return module.jex_blas_ddot(&n, x, &one, y, &one);
-  }
-  double nrm2(const Vector& x) const {
-    const jex_int n = x.size();
-    return module.jex_blas_dnrm2(&n, x.data(), &one);
-  }
-  double asum(const Vector& x) const {
-    const jex_int n = x.size();
-    return module.jex_blas_dasum(&n, x.data(), &one);
-  }
-  void axpy(double alpha, const Vector& x, Vector& y) const {
-    const jex_int n = x.size();
-    module.jex_blas_daxpy(&n, &alpha, x.data(), &one, y.data(), &one);
-  }
-  void scal(double alpha, Vector& x) const {
-    const jex_int n = x.size();
-    module.jex_blas_dscal(&n, &alpha, x.data(), &one);
-  }
-  int first_largest(const Vector& x) const {
-    const jex_int n = x.size();
-    return module.jex_blas_idamax(&n, x.data(), &one) - 1;
-  }
-};
 
 // One lag beyond n / 2, the right neighbour of a peak there.
 size_t lags(size_t n) { return n / 2 + 2; }
