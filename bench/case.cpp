@@ -7,6 +7,7 @@ namespace jex::bench {
 std::vector<Case> all_cases() {
   std::vector<Case> cases;
   add_level1(cases);
+  add_level2(cases);
   return cases;
 }
 
