@@ -8,6 +8,7 @@ std::vector<Case> all_cases() {
   std::vector<Case> cases;
   add_level1(cases);
   add_level2(cases);
+  add_level3(cases);
   return cases;
 }
 

@@ -46,6 +46,7 @@ struct Case {
 /// One function for each family, in its own file.
 void add_level1(std::vector<Case>& cases);
 void add_level2(std::vector<Case>& cases);
+void add_level3(std::vector<Case>& cases);
 
 std::vector<Case> all_cases();
 

@@ -22,8 +22,11 @@ std::unordered_map<std::string, void*> table_of_module() {
 
 Entry module_entry(const std::string& routine) {
   static const auto table = table_of_module();
-  const auto found = table.find("jex_blas_" + routine);
-  return {found == table.end() ? nullptr : found->second, Abi::module};
+  // The drivers of level 3 have an x before their names.
+  for (const char* prefix : {"jex_blas_", "jex_blas_x"})
+    if (const auto found = table.find(prefix + routine); found != table.end())
+      return {found->second, Abi::module};
+  return {nullptr, Abi::module};
 }
 
 // Never closed: a library may leave handlers behind.

@@ -5,17 +5,12 @@
 // opposite alpha, and the triangular kernels, which overwrite their vector, get it anew before each
 // call: one copy of n elements on both sides beside n^2 / 2 products.
 
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <limits>
-#include <new>
 
 #include <jex/types.h>
 
 #include "case.h"
+#include "operands.h"
 
 namespace jex::bench {
 namespace {
@@ -101,9 +96,6 @@ const Routine routines[] = {TYPE(s, 's', float, sy, ), TYPE(d, 'd', double, sy, 
                             TYPE(c, 'c', jex_scomplex, he, u), TYPE(z, 'z', jex_dcomplex, he, u)};
 #undef TYPE
 
-bool is_double(char type) { return type == 'd' || type == 'z'; }
-int reals(char type) { return type == 'c' || type == 'z' ? 2 : 1; }
-
 template <class R>
 class MatrixProblem : public Problem {
  public:
@@ -111,35 +103,23 @@ class MatrixProblem : public Problem {
       : routine_(routine),
         vector_(size_t(n) * reals(routine.type)),
         matrix_(vector_ * n),
-        // 17 lines between the parts: places that differ within a page
-        base_(static_cast<char*>(
-            std::aligned_alloc(64, round((matrix_ + 3 * vector_) * sizeof(R) + 4 * 17 * 64)))) {
-    if (!base_) throw std::bad_alloc();
-    char* place = base_;
-    const auto take = [&](size_t count) {
-      char* const taken = place;
-      place += round(count * sizeof(R)) + 16 * 64;
-      return taken;
-    };
-    v_ = {n, take(matrix_), take(vector_), take(vector_), take(vector_), vector_ * sizeof(R), 0};
+        arrays_((matrix_ + 3 * vector_) * sizeof(R)) {
+    v_ = {n,
+          arrays_.take<R>(matrix_),
+          arrays_.take<R>(vector_),
+          arrays_.take<R>(vector_),
+          arrays_.take<R>(vector_),
+          vector_ * sizeof(R),
+          0};
   }
-  MatrixProblem(const MatrixProblem&) = delete;
-  MatrixProblem& operator=(const MatrixProblem&) = delete;
-  ~MatrixProblem() override { std::free(base_); }
 
   void fill() override {
     v_.parity = 0;
-    state_ = 1;
-    random(static_cast<R*>(v_.a), matrix_, R(1) / v_.n);
-    const int width = reals(routine_.type);
-    // A real diagonal, as a Hermitian matrix has it.
-    for (jex_int i = 0; i < v_.n; ++i) {
-      R* const diagonal = static_cast<R*>(v_.a) + (size_t(i) * v_.n + i) * width;
-      std::fill(diagonal, diagonal + width, R(0));
-      diagonal[0] = R(1) + R(i % 7) / 8;
-    }
-    random(static_cast<R*>(v_.x), vector_, 1);
-    random(static_cast<R*>(v_.y), vector_, 1);
+    Random random;
+    random.fill(static_cast<R*>(v_.a), matrix_, R(1) / v_.n);
+    set_diagonal(static_cast<R*>(v_.a), v_.n, reals(routine_.type));
+    random.fill(static_cast<R*>(v_.x), vector_, R(1));
+    random.fill(static_cast<R*>(v_.y), vector_, R(1));
     std::memcpy(v_.start, v_.x, v_.vector_bytes);
   }
 
@@ -147,38 +127,20 @@ class MatrixProblem : public Problem {
 
   double deviation(const Problem& problem) const override {
     const auto& other = static_cast<const MatrixProblem&>(problem);
-    const R* const ours = outcome(v_);
-    const R* const theirs = outcome(other.v_);
     const size_t count = routine_.written == 1 ? matrix_ : vector_;
-    double worst = 0;
-    for (size_t i = 0; i < count; ++i) {
-      const double d = std::abs(double(ours[i]) - double(theirs[i]));
-      if (!(d <= worst)) worst = std::isnan(d) ? std::numeric_limits<double>::infinity() : d;
-    }
-    return worst / (std::numeric_limits<R>::epsilon() * (64 + 4 * std::sqrt(double(v_.n))));
+    return largest_difference(outcome(v_), outcome(other.v_), count) /
+           (std::numeric_limits<R>::epsilon() * (64 + 4 * std::sqrt(double(v_.n))));
   }
 
  private:
-  static size_t round(size_t bytes) { return (bytes + 63) / 64 * 64; }
-
   const R* outcome(const Operands& v) const {
     return static_cast<const R*>(routine_.written == 0 ? v.y : routine_.written == 1 ? v.a : v.x);
   }
 
-  /// Magnitudes from half of scale to scale, of either sign.
-  void random(R* p, size_t count, R scale) {
-    for (size_t i = 0; i < count; ++i) {
-      state_ = state_ * 1664525u + 1013904223u;
-      const R m = scale * (R(0.5) + R(state_ << 1 >> 9) * R(0x1p-24));
-      p[i] = (state_ & 0x80000000u) ? -m : m;
-    }
-  }
-
   const Routine& routine_;
   size_t vector_, matrix_;
-  char* base_;
+  Arrays arrays_;
   Operands v_;
-  uint32_t state_ = 1;
 };
 
 Work work(const Routine& r, double n) {

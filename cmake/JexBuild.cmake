@@ -21,7 +21,8 @@ target_compile_options(jex_flags INTERFACE
   -ffp-contract=off -fno-math-errno -mstackrealign
   $<$<CXX_COMPILER_ID:GNU>:-fno-version-loops-for-strides>
   -falign-loops=32
-  -Wall -Wextra -Wno-psabi)
+  -Wall -Wextra -Wno-psabi
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)  # false alarms of g++ 12 in std::string
 target_link_options(jex_flags INTERFACE -Wl,--as-needed -Wl,-z,noexecstack -Wl,-z,defs)
 target_include_directories(jex_flags INTERFACE
   "${PROJECT_SOURCE_DIR}/include" "${PROJECT_BINARY_DIR}/include")

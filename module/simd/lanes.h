@@ -50,6 +50,8 @@ struct Lanes<float> {
   static Lanes zero() { return {_mm_setzero_ps()}; }
   static Lanes all(float a) { return {_mm_set1_ps(a)}; }
   static Lanes load(const float* p) { return {_mm_loadu_ps(p)}; }
+  static Lanes load_aligned(const float* p) { return {_mm_load_ps(p)}; }
+  static Lanes load_all(const float* p) { return {_mm_load1_ps(p)}; }
   static Lanes load_first(const float* p) { return {_mm_load_ss(p)}; }
   static Lanes load_two(const float* p) {
     return {_mm_loadl_pi(_mm_setzero_ps(), (const __m64*)p)};
@@ -83,6 +85,8 @@ struct Lanes<double> {
   static Lanes zero() { return {_mm_setzero_pd()}; }
   static Lanes all(double a) { return {_mm_set1_pd(a)}; }
   static Lanes load(const double* p) { return {_mm_loadu_pd(p)}; }
+  static Lanes load_aligned(const double* p) { return {_mm_load_pd(p)}; }
+  static Lanes load_all(const double* p) { return {_mm_loaddup_pd(p)}; }
   static Lanes load_first(const double* p) { return {_mm_load_sd(p)}; }
   static Lanes gather(const double* p, int inc) { return {_mm_loadh_pd(_mm_load_sd(p), p + inc)}; }
   void store(double* p) const { _mm_storeu_pd(p, v); }
@@ -173,6 +177,31 @@ inline Lanes<double> swap_parts(Lanes<double> a) {
   return {_mm_castsi128_pd(_mm_shuffle_epi32(_mm_castpd_si128(a.v), _MM_SHUFFLE(1, 0, 3, 2)))};
 }
 
+// a0 a0 a1 a1 and a2 a2 a3 a3 of floats; d0 d0 and d1 d1 of doubles.
+inline Lanes<float> low_doubled(Lanes<float> a) { return {_mm_unpacklo_ps(a.v, a.v)}; }
+inline Lanes<float> high_doubled(Lanes<float> a) { return {_mm_unpackhi_ps(a.v, a.v)}; }
+inline Lanes<double> low_doubled(Lanes<double> a) { return {_mm_unpacklo_pd(a.v, a.v)}; }
+inline Lanes<double> high_doubled(Lanes<double> a) { return {_mm_unpackhi_pd(a.v, a.v)}; }
+
+// The lanes of one parity, first those of a and then those of b: the real parts (0) or the imaginary
+// parts (1) of complex elements.
+template <int parity>
+inline Lanes<float> parts_of(Lanes<float> a, Lanes<float> b) {
+  return {_mm_shuffle_ps(a.v, b.v, parity ? _MM_SHUFFLE(3, 1, 3, 1) : _MM_SHUFFLE(2, 0, 2, 0))};
+}
+template <int parity>
+inline Lanes<double> parts_of(Lanes<double> a, Lanes<double> b) {
+  return {parity ? _mm_unpackhi_pd(a.v, b.v) : _mm_unpacklo_pd(a.v, b.v)};
+}
+
+// a + i b for complex elements, b with its parts swapped: a.re - b.im, a.im + b.re.
+inline Lanes<float> add_i_times(Lanes<float> a, Lanes<float> swapped) {
+  return {_mm_addsub_ps(a.v, swapped.v)};
+}
+inline Lanes<double> add_i_times(Lanes<double> a, Lanes<double> swapped) {
+  return {_mm_addsub_pd(a.v, swapped.v)};
+}
+
 // Complex lanes are real lanes of twice the length; R is the real element.
 template <class T>
 struct ComplexLanes {
@@ -253,6 +282,20 @@ template <class T>
 [[gnu::always_inline]] inline Lanes<double> accumulated(Lanes<double> sum, Lanes<double> term) {
   asm("addpd %1, %0" : "+x"(sum.v) : "x"(term.v));
   return sum;
+}
+
+// sum += factor * a[0 ..], where a is a multiple of 16 and the product is taken from memory.
+[[gnu::always_inline]] inline void accumulate_product(Lanes<float>& sum, Lanes<float> factor,
+                                                      const float* a) {
+  asm("mulps %2, %1\n\taddps %1, %0"
+      : "+x"(sum.v), "+x"(factor.v)
+      : "m"(*reinterpret_cast<const __m128*>(a)));
+}
+[[gnu::always_inline]] inline void accumulate_product(Lanes<double>& sum, Lanes<double> factor,
+                                                      const double* a) {
+  asm("mulpd %2, %1\n\taddpd %1, %0"
+      : "+x"(sum.v), "+x"(factor.v)
+      : "m"(*reinterpret_cast<const __m128d*>(a)));
 }
 
 template <class T>

@@ -4,23 +4,17 @@
 #pragma once
 
 #include "blas/level2/scalar.h"
+#include "simd/repeat.h"
 
 #include <stddef.h>
 #include <utility>
 
 namespace jex::blas {
 
+using simd::unrolled;
+
 template <class T>
 inline constexpr int group_width = is_complex<T> ? 2 : 4;
-
-// body<0>(), body<1>(), ... body<count - 1>(): arrays that are indexed this way stay in registers.
-template <int count, class Body>
-[[gnu::always_inline]] inline void repeat(Body body) {
-  [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) {
-    (body.template operator()<k>(), ...);
-  }
-  (std::make_integer_sequence<int, count>());
-}
 
 template <class T>
 [[gnu::always_inline]] inline T negate(T a) {
@@ -109,8 +103,8 @@ template <bool conj, Rows rows, int width, class T>
   ColumnSums<T> sums[width];
   const auto add = [&](int i, auto load) __attribute__((always_inline)) {
     const Lanes<T> xi = pinned(load(x + i));
-    repeat<width>([&]<int c>()
-                      __attribute__((always_inline)) { sums[c].add(load(column[c] + i), xi); });
+    unrolled<width>([&](auto c)
+                        __attribute__((always_inline)) { sums[c].add(load(column[c] + i), xi); });
   };
   const auto all = [](const T* p) __attribute__((always_inline)) { return Lanes<T>::load(p); };
   const auto first = [](const T* p) __attribute__((always_inline)) {
@@ -127,8 +121,9 @@ template <bool conj, Rows rows, int width, class T>
       while (i % lanes != 0) add(--i, first);
     while ((i -= lanes) >= 0) add(i, all);
   }
-  repeat<width>([&]<int c>()
-                    __attribute__((always_inline)) { total[c] = sums[c].template total<conj>(); });
+  unrolled<width>([&](auto c) __attribute__((always_inline)) {
+    total[c] = sums[c].template total<conj>();
+  });
 }
 
 }  // namespace jex::blas

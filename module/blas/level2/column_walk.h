@@ -2,25 +2,18 @@
 #pragma once
 
 #include "blas/level1/streams.h"
+#include "simd/repeat.h"
 
 #include <stddef.h>
-#include <utility>
 
 namespace jex::blas {
+
+using simd::unrolled;
 
 // Real columns share a walk by fours: vectors are loaded once for four products each way, and four
 // sums fill half of the registers. A complex sum needs two registers, hence pairs.
 template <class T>
 inline constexpr int columns_per_walk = is_complex<T> ? 2 : 4;
-
-// body<0>(), body<1>() .. : arrays indexed by constants only are taken apart into registers.
-template <int count, class Body>
-[[gnu::always_inline]] inline void for_constants(Body body) {
-  [&]<int... k>(std::integer_sequence<int, k...>) __attribute__((always_inline)) {
-    (body.template operator()<k>(), ...);
-  }
-  (std::make_integer_sequence<int, count>());
-}
 
 // An array that keeps its distance to another one: one moving pointer then leads through all of
 // them, where seven would not fit into the registers.

@@ -74,15 +74,15 @@ template <Uplo uplo, class T, int... k, class... Term>
       ((sum = plus(sum, Multiplicand<T>(Lanes<T>::load_first(walk.v + i)).times(walk.by[c]))), ...);
       sum.store_first(column[c] + i);
     };
-    for_constants<columns>([&]<int c>() __attribute__((always_inline)) {
-      for_constants<columns>([&]<int r>() __attribute__((always_inline)) {
+    unrolled<columns>([&](auto c) __attribute__((always_inline)) {
+      unrolled<columns>([&](auto r) __attribute__((always_inline)) {
         constexpr int begin = r / width * width;
         constexpr bool whole =
             begin + width <= columns && stored(begin, c) && stored(begin + width - 1, c);
         if constexpr (whole && r == begin)
-          rows(Constant<c>(), column[c] + j + r,
+          rows(Constant<int(c)>(), column[c] + j + r,
                Multiplicand<T>(Lanes<T>::load(walk.v + j + r))...);
-        if constexpr (!whole && stored(r, c)) row(Constant<c>(), j + r);
+        if constexpr (!whole && stored(r, c)) row(Constant<int(c)>(), j + r);
       });
     });
     int i = uplo == Uplo::lower ? j + columns : far;

@@ -115,7 +115,7 @@ template <class Rows, class T, int columns, class Place, class Load>
                                                 Load load, Lanes<T> x, Lanes<T> y) {
   if constexpr (!is_complex<T>) {
     x = pinned(x);
-    for_constants<columns>([&]<int c>() __attribute__((always_inline)) {
+    unrolled<columns>([&](auto c) __attribute__((always_inline)) {
       if constexpr (Rows::product(c) == 0) return;
       const Lanes<T> a = pinned(load.template operator()<c>());
       y = accumulated(y, masked<Rows::product(c)>(a * m[c].t));
@@ -127,7 +127,7 @@ template <class Rows, class T, int columns, class Place, class Load>
     // First the sums, then the products: together they would need more than eight registers.
     using Parts = Lanes<Real<T>>;
     const Parts straight = pinned(x.parts), crossed = pinned(simd::swap_parts(straight));
-    for_constants<columns>([&]<int c>() __attribute__((always_inline)) {
+    unrolled<columns>([&](auto c) __attribute__((always_inline)) {
       if constexpr (Rows::mirror(c) == 0) return;
       const Parts a = pinned(load.template operator()<c>().parts);
       m[c].straight = accumulated(m[c].straight, masked<Rows::mirror(c)>(a * straight));
@@ -136,7 +136,7 @@ template <class Rows, class T, int columns, class Place, class Load>
     // a t = a t.re + swapped(a (t.im, -t.im)); the swap waits until the columns are added.
     asm("" : "+r"(place));  // so that a is loaded again: there is no register to keep it in
     Parts by_re = pinned(y.parts), by_im;
-    for_constants<columns>([&]<int c>() __attribute__((always_inline)) {
+    unrolled<columns>([&](auto c) __attribute__((always_inline)) {
       if constexpr (Rows::product(c) == 0) return;
       const Parts a = pinned(load.template operator()<c>().parts);
       by_re = accumulated(by_re, masked<Rows::product(c)>(a * m[c].re));
@@ -190,7 +190,7 @@ template <Uplo uplo, class T, class X, class Y, int... k>
   if constexpr (columns == 1)
     row(i, BlockRows<uplo, T, 0, 1>());
   else
-    for_constants<columns / width>([&]<int r>() __attribute__((always_inline)) {
+    unrolled<columns / width>([&](auto r) __attribute__((always_inline)) {
       rows(i, BlockRows<uplo, T, r * width, width>());
       i += width;
     });
@@ -201,7 +201,7 @@ template <Uplo uplo, class T, class X, class Y, int... k>
   else
     for (; i + width <= end; i += width) rows(i, AllRows());
   for (; i < end; ++i) row(i, AllRows());
-  for_constants<columns>([&]<int c>() __attribute__((always_inline)) {
+  unrolled<columns>([&](auto c) __attribute__((always_inline)) {
     int i = lower ? far : std::max(0, far - (columns - 1 - c));
     for (const int end = lower ? std::min(n, far + c) : far; i < end; ++i) row(i, OneColumn<c>());
   });

@@ -72,7 +72,7 @@ struct Group {
 
   template <class A>
   Group(const A& a, int j) : j(j) {
-    repeat<width>([&]<int c>() __attribute__((always_inline)) { column[c] = a.column(j + c); });
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { column[c] = a.column(j + c); });
   }
 
   // Entry (r, c) of the corner of op(A).
@@ -119,8 +119,8 @@ template <int width, template <Uplo, class> class Storage, Uplo uplo, class T, c
 [[gnu::always_inline]] inline void for_ragged(Storage<uplo, const T> a,
                                               Beside<Storage, uplo, T> beside, Body body) {
   if constexpr (std::is_same_v<Storage<uplo, T>, BandTriangle<uplo, T>>)
-    repeat<width>([&]<int c>() __attribute__((always_inline)) {
-      repeat<uplo == Uplo::upper ? width - 1 - c : c>([&]<int k>() __attribute__((always_inline)) {
+    unrolled<width>([&](auto c) __attribute__((always_inline)) {
+      unrolled<uplo == Uplo::upper ? width - 1 - c : c>([&](auto k) __attribute__((always_inline)) {
         const int i = uplo == Uplo::upper ? beside.first - 1 - k : beside.last + k;
         if (i >= 0 && i < a.n) body.template operator()<c>(i);
       });
@@ -140,7 +140,7 @@ template <template <Uplo, class> class Storage, Uplo uplo, class T, class X, int
           x[i] = add(x[i], multiply(group.column[c][i], t[c]));
         });
     const T* column[width];
-    repeat<width>([&]<int c>() __attribute__((always_inline)) {
+    unrolled<width>([&](auto c) __attribute__((always_inline)) {
       column[c] = group.column[c] + beside.first;
     });
     add_group(n, column, t, x.p + beside.first);
@@ -159,7 +159,7 @@ template <Op op, template <Uplo, class> class Storage, Uplo uplo, class T, class
   const int n = beside.last - beside.first;
   if constexpr (X::unit) {
     const T* column[width];
-    repeat<width>([&]<int c>() __attribute__((always_inline)) {
+    unrolled<width>([&](auto c) __attribute__((always_inline)) {
       column[c] = group.column[c] + beside.first;
     });
     // Towards the diagonal: in a solve the elements nearest to it are known last.

@@ -9,10 +9,10 @@ namespace jex::blas {
 template <Uplo uplo, Op op, Diag diag, class T, int width>
 [[gnu::always_inline]] inline void multiply_corner(const Group<T, width>& group, T (&v)[width]) {
   constexpr bool lower = is_lower(uplo, op);
-  repeat<width>([&]<int step>() __attribute__((always_inline)) {
+  unrolled<width>([&](auto step) __attribute__((always_inline)) {
     constexpr int r = lower ? width - 1 - step : step;
     if constexpr (diag == Diag::non_unit) v[r] = multiply(group.template corner<op, r, r>(), v[r]);
-    repeat<width - 1 - step>([&]<int after>() __attribute__((always_inline)) {
+    unrolled<width - 1 - step>([&](auto after) __attribute__((always_inline)) {
       constexpr int c = lower ? r - 1 - after : r + 1 + after;
       v[r] = add(v[r], multiply(group.template corner<op, r, c>(), v[c]));
     });
@@ -25,14 +25,14 @@ template <Op op, Diag diag, int width, template <Uplo, class> class Storage, Upl
 [[gnu::always_inline]] inline void multiply_group(Storage<uplo, const T> a, int j, X x) {
   const Group<T, width> group(a, j);
   T v[width], t[width];
-  repeat<width>([&]<int c>() __attribute__((always_inline)) { v[c] = x[j + c]; });
+  unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = x[j + c]; });
   if constexpr (op == Op::none) update_beside(a, group, x, v);
   multiply_corner<uplo, op, diag>(group, v);
   if constexpr (op != Op::none) {
     dot_beside<op>(a, group, x, t);
-    repeat<width>([&]<int c>() __attribute__((always_inline)) { v[c] = add(v[c], t[c]); });
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = add(v[c], t[c]); });
   }
-  repeat<width>([&]<int c>() __attribute__((always_inline)) { x[j + c] = v[c]; });
+  unrolled<width>([&](auto c) __attribute__((always_inline)) { x[j + c] = v[c]; });
 }
 
 // The walk starts where op(A) has its full rows. Columns that fill no group end it; where corners

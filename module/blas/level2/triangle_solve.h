@@ -41,10 +41,10 @@ template <Uplo uplo, Op op, Diag diag, class T, int width, class Solved>
 [[gnu::always_inline]] inline void solve_corner(const Group<T, width>& group, T (&v)[width],
                                                 Solved solved) {
   constexpr bool lower = is_lower(uplo, op);
-  repeat<width>([&]<int step>() __attribute__((always_inline)) {
+  unrolled<width>([&](auto step) __attribute__((always_inline)) {
     constexpr int c = lower ? step : width - 1 - step;
     if constexpr (diag == Diag::non_unit) v[c] = quotient(v[c], group.template corner<op, c, c>());
-    repeat<width - 1 - step>([&]<int after>() __attribute__((always_inline)) {
+    unrolled<width - 1 - step>([&](auto after) __attribute__((always_inline)) {
       constexpr int r = lower ? c + 1 + after : c - 1 - after;
       v[r] = subtract(v[r], multiply(group.template corner<op, r, c>(), v[c]));
     });
@@ -57,7 +57,7 @@ template <Uplo uplo, Op op, Diag diag, class T, int width, class Solved>
 template <Op op, int c, class T, int width>
 [[gnu::always_inline]] inline void subtract_square_column(const Group<T, width>& group, int other,
                                                           T known, T (&v)[width]) {
-  repeat<width>([&]<int r>() __attribute__((always_inline)) {
+  unrolled<width>([&](auto r) __attribute__((always_inline)) {
     const T entry =
         op == Op::none ? group.column[c][other + r] : entry_of<op>(group.column[r][other + c]);
     v[r] = subtract(v[r], multiply(entry, known));
@@ -82,11 +82,11 @@ template <Diag diag, int width, template <Uplo, class> class Storage, Uplo uplo,
 [[gnu::always_inline]] inline void solve_groups(Storage<uplo, const T> a, int j, int groups, X x) {
   constexpr int step = uplo == Uplo::lower ? width : -width;
   T v[width];
-  repeat<width>([&]<int c>() __attribute__((always_inline)) { v[c] = x[j + c]; });
+  unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = x[j + c]; });
   for (; groups > 1; --groups, j += step) {
     const Group<T, width> group(a, j);
     T next[width], t[width];
-    repeat<width>([&]<int c>() __attribute__((always_inline)) { next[c] = x[j + step + c]; });
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { next[c] = x[j + step + c]; });
     solve_corner<uplo, Op::none, diag>(
         group, v, [&]<int c>() __attribute__((always_inline)) {
           subtract_square_column<Op::none, c>(group, j + step, v[c], next);
@@ -94,7 +94,7 @@ template <Diag diag, int width, template <Uplo, class> class Storage, Uplo uplo,
           t[c] = negate(v[c]);
         });
     update_beside(a, group, x, t, width);
-    repeat<width>([&]<int c>() __attribute__((always_inline)) { v[c] = next[c]; });
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = next[c]; });
   }
   const Group<T, width> last(a, j);
   T t[width];
@@ -114,12 +114,12 @@ template <Op op, Diag diag, int width, template <Uplo, class> class Storage, Upl
                                                            int groups, X x) {
   constexpr int step = uplo == Uplo::upper ? width : -width;
   T v[width];
-  repeat<width>([&]<int c>() __attribute__((always_inline)) { v[c] = x[j + c]; });
+  unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = x[j + c]; });
   for (; groups > 1; --groups, j += step) {
     const Group<T, width> group(a, j), following(a, j + step);
     T next[width], t[width];
     dot_beside<op>(a, following, x, t, width);
-    repeat<width>([&]<int c>() __attribute__((always_inline)) {
+    unrolled<width>([&](auto c) __attribute__((always_inline)) {
       next[c] = subtract(x[j + step + c], t[c]);
     });
     solve_corner<uplo, op, diag>(
@@ -127,7 +127,7 @@ template <Op op, Diag diag, int width, template <Uplo, class> class Storage, Upl
           subtract_square_column<op, c>(following, j, v[c], next);
           x[j + c] = v[c];
         });
-    repeat<width>([&]<int c>() __attribute__((always_inline)) { v[c] = next[c]; });
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = next[c]; });
   }
   const Group<T, width> last(a, j);
   solve_corner<uplo, op, diag>(

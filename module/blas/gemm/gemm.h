@@ -1,0 +1,143 @@
+// C := alpha op(A) op(B) + beta C: quick returns, the small path, and the blocks of the packed one.
+#pragma once
+
+#include "blas/gemm/block.h"
+#include "blas/gemm/scale.h"
+#include "blas/gemm/small.h"
+#include "blas/level2/gemv.h"
+#include "serv/memory.h"
+
+namespace jex::blas {
+
+// Where the parts of the work buffer begin.
+template <class R>
+struct WorkBuffer {
+  R *a, *b, *staged;
+  char* raw;
+
+  static char* rounded_down(char* p, uintptr_t unit) { return p - uintptr_t(p) % unit; }
+};
+
+// One buffer of the double multiply, for column blocks of nb:
+//
+//   | to a page | packed A: 256 lanes, 128 steps | to a page | packed B: nb x 128 | staged B, 8 KiB
+//   |
+//
+inline WorkBuffer<double> double_buffer(int nb) {
+  using B = WorkBuffer<double>;
+  char* const raw = static_cast<char*>(serv::allocate(uint32_t(nb) * 1024 + 551168, 128));
+  return {(double*)(B::rounded_down(raw, 4096) + 4096),
+          (double*)(B::rounded_down(raw + 532992, 4096) + 4096),
+          (double*)(B::rounded_down(raw + 541184 + ptrdiff_t(nb) * 1024, 128) + 384), raw};
+}
+
+// The other multiplies stage B from where it is. Bytes: 256 x steps of staged columns, 2,048 x 240
+// of packed A at most, and what the spare registers and the page need.
+template <class R>
+inline WorkBuffer<R> staging_buffer(int steps) {
+  using B = WorkBuffer<R>;
+  char* const raw = static_cast<char*>(serv::allocate(uint32_t(steps) * (256 + 2048) + 16512, 128));
+  R* const a = (R*)(B::rounded_down(raw, 4096) + 4096);
+  const ptrdiff_t lanes = rows_in_block<R>(steps) / Lanes<R>::count;
+  return {a, nullptr, a + lanes * lane_stride<R>(steps), raw};
+}
+
+// Adds alpha op(A) op(B) to m x n elements of C, or what scheme.first says.
+//
+// The blocks of k come in a fixed order: first the remainder at the end, or the last whole block if
+// there is none, with beta; then the whole blocks from the beginning. Every element of C adds the
+// sums of its blocks in this order, whatever the split of rows and columns.
+template <class Scheme>
+[[gnu::noinline]] void multiply_packed(const Scheme& scheme, int m, int n, int k,
+                                       Operand<typename Scheme::A> a, Operand<typename Scheme::C> b,
+                                       typename Scheme::C* c, int ldc) {
+  using R = typename Scheme::R;
+  constexpr bool packs_b = std::is_same_v<typename Scheme::C, double>;
+  const int kb = steps_in_block<R>();
+  const int mb = rows_in_block<R>(kb) / Lanes<R>::count * Scheme::lane_rows;
+  const int nb = packs_b ? std::min(n, packed_columns) : n;
+  constexpr int group = staged_columns<R> / Scheme::parts;
+  WorkBuffer<R> buffer;
+  if constexpr (packs_b)
+    buffer = double_buffer(nb);
+  else
+    buffer = staging_buffer<R>(kb);
+
+  const auto block = [&](auto plane, auto now, int i, int rows, int j, int columns, int p,
+                         int steps) {
+    pack_a<plane>(scheme, a.from(i, p), rows, steps, buffer.a);
+    for (int g = 0; g < columns; g += group) {
+      const int width = std::min(group, columns - g);
+      auto source = b.from(p, j + g);
+      if constexpr (packs_b)
+        if (m > mb) source = packed_group(buffer.b, steps, g);
+      stage_b<plane>(scheme, source, steps, width, buffer.staged);
+      add_block<plane, now>(scheme, buffer.a, rows, buffer.staged, width * Scheme::parts,
+                            padded(steps), c + i + ptrdiff_t(j + g) * ldc, ldc);
+    }
+  };
+  const auto steps_block = [&](auto now, int j, int columns, int p, int steps) {
+    if constexpr (packs_b)
+      if (m > mb) pack_b(b.from(p, j), steps, columns, buffer.b);
+    for (int i = 0; i < m; i += mb)
+      unrolled<Scheme::planes>(
+          [&](auto plane) { block(plane, now, i, std::min(mb, m - i), j, columns, p, steps); });
+  };
+  const int whole = (k - 1) / kb * kb;
+  for (int j = 0; j < n; j += nb) {
+    const int columns = std::min(nb, n - j);
+    steps_block(std::integral_constant<First, Scheme::first>(), j, columns, whole, k - whole);
+    for (int p = 0; p < whole; p += kb)
+      steps_block(std::integral_constant<First, First::accumulate>(), j, columns, p, kb);
+  }
+  serv::deallocate(buffer.raw);
+}
+
+// True if nothing is left to do but what it did: m or n without elements, or alpha 0.
+template <class T>
+inline bool is_done_without_product(int m, int n, T alpha, T beta, T* c, int ldc) {
+  if (m <= 0 || n <= 0) return true;
+  if (!is_zero(alpha)) return false;
+  scale_matrix(m, n, beta, c, ldc);
+  return true;
+}
+
+// Real matrices. The last n mod 4 columns are matrix-vector products.
+template <class T>
+[[gnu::noinline]] void gemm(Op transa, Op transb, int m, int n, int k, T alpha, const T* a, int lda,
+                            const T* b, int ldb, T beta, T* c, int ldc) {
+  if (is_done_without_product(m, n, alpha, beta, c, ldc)) return;
+  const Operand<T> op_a{a, lda, transa}, op_b{b, ldb, transb};
+  if (is_small(m, n, k)) return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, n);
+  const int grouped = n / 4 * 4;
+  const auto run = [&](auto first) {
+    multiply_packed(RealScheme<T, first>{alpha, beta}, m, grouped, k, op_a, op_b, c, ldc);
+  };
+  if (is_one(beta))
+    run(std::integral_constant<First, First::accumulate>());
+  else if (is_zero(beta))
+    run(std::integral_constant<First, First::overwrite>());
+  else
+    run(std::integral_constant<First, First::general>());
+  const bool plain = op_a.by_columns();
+  for (int j = grouped; j < n; ++j)
+    gemv(transa, plain ? m : k, plain ? k : m, alpha, a, lda, op_b.from(0, j).x,
+         int(op_b.row_distance()), beta, c + ptrdiff_t(j) * ldc, 1);
+}
+
+// Complex matrices, by a scheme of complex elements.
+template <template <class> class Scheme, class T>
+[[gnu::noinline]] void complex_gemm(Op transa, Op transb, int m, int n, int k, T alpha,
+                                    const typename Scheme<T>::A* a, int lda, const T* b, int ldb,
+                                    T beta, T* c, int ldc) {
+  if (is_done_without_product(m, n, alpha, beta, c, ldc)) return;
+  const Operand<typename Scheme<T>::A> op_a{a, lda, transa};
+  const Operand<T> op_b{b, ldb, transb};
+  if constexpr (std::is_same_v<typename Scheme<T>::A, T>)
+    if (is_small(m, n, k))
+      return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, n);
+  scale_matrix(m, n, beta, c, ldc);
+  if (k > 0) multiply_packed(Scheme<T>{alpha}, m, n, k, op_a, op_b, c, ldc);
+}
+
+}  // namespace jex::blas
