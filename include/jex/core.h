@@ -28,6 +28,19 @@ JEX_API const char* jex_core_error(void);
 /** @brief Path of the loaded module; empty before a successful load. */
 JEX_API const char* jex_core_module_path(void);
 
+/**
+ * @brief Sets the number of threads that one call of a front may use.
+ *
+ * The environment variable JEX_NUM_THREADS sets it before the first call; without either it is the
+ * number of processors. Results are the same, bit for bit, for every number.
+ *
+ * @param count Threads, the caller's own among them, at most 256; below 1: as the environment says.
+ */
+JEX_API void jex_set_num_threads(jex_int count);
+
+/** @brief The number of threads that one call of a front may use. */
+JEX_API jex_int jex_get_num_threads(void);
+
 #ifdef __cplusplus
 }
 

@@ -140,5 +140,20 @@ inline jex_int tpmv(const char* uplo, const char* trans, const char* diag, jex_i
                                : 0;
 }
 
+// Also gemm3m.
+inline jex_int gemm(const char* transa, const char* transb, jex_int m, jex_int n, jex_int k,
+                    jex_int lda, jex_int ldb, jex_int ldc) {
+  const bool plain_a = option(transa) == 'N', plain_b = option(transb) == 'N';
+  return wrong::trans(transa)               ? 1
+         : wrong::trans(transb)             ? 2
+         : m < 0                            ? 3
+         : n < 0                            ? 4
+         : k < 0                            ? 5
+         : wrong::lda(lda, plain_a ? m : k) ? 8
+         : wrong::lda(ldb, plain_b ? k : n) ? 10
+         : wrong::lda(ldc, m)               ? 13
+                                            : 0;
+}
+
 }  // namespace wrong
 }  // namespace jex::front

@@ -34,6 +34,13 @@ class Request {
     return row_ ? 'N' : 'C';
   }
   bool conjugates() const { return conjugates_; }
+  // The operation on a factor of a product. By rows the product is computed transposed, where both
+  // the stored factors and the operations on them are, so that letters stay.
+  char trans_of_factor(jex_int position, const char* which, jex_cblas_transpose trans) {
+    if (trans == JEX_CBLAS_NO_TRANS) return 'N';
+    if (trans == JEX_CBLAS_TRANS) return 'T';
+    return trans == JEX_CBLAS_CONJ_TRANS ? 'C' : refuse(position, which, trans);
+  }
 
   char diag(jex_int position, jex_cblas_diag diag) {
     if (diag == JEX_CBLAS_UNIT) return 'U';

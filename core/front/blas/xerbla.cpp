@@ -32,8 +32,8 @@ struct Exchange {
   jex_int first, second;
 };
 constexpr Exchange exchanges[] = {
-    {"gemv", 3, 4}, {"gbmv", 3, 4}, {"gbmv", 5, 6}, {"ger", 2, 3},
-    {"ger", 6, 8},  {"her2", 6, 8}, {"hpr2", 6, 8},
+    {"gemv", 3, 4}, {"gbmv", 3, 4}, {"gbmv", 5, 6}, {"ger", 2, 3},   {"ger", 6, 8},
+    {"her2", 6, 8}, {"hpr2", 6, 8}, {"gemm", 4, 5}, {"gemm", 9, 11},
 };
 
 jex_int as_the_caller_counts(const char* entry, jex_int position) {

@@ -31,12 +31,14 @@ inline WorkBuffer<double> double_buffer(int nb) {
           (double*)(B::rounded_down(raw + 541184 + ptrdiff_t(nb) * 1024, 128) + 384), raw};
 }
 
-// The other multiplies stage B from where it is. Bytes: 256 x steps of staged columns, 2,048 x 240
-// of packed A at most, and what the spare registers and the page need.
+// The other multiplies stage B from where it is. Bytes for each step: those of the rows of packed A
+// and of the staged columns, 2,048 + 256 in single precision; and what the page and the spare
+// registers need.
 template <class R>
 inline WorkBuffer<R> staging_buffer(int steps) {
   using B = WorkBuffer<R>;
-  char* const raw = static_cast<char*>(serv::allocate(uint32_t(steps) * (256 + 2048) + 16512, 128));
+  constexpr uint32_t step = 512 * sizeof(R) + staged_columns<R> * 16;
+  char* const raw = static_cast<char*>(serv::allocate(uint32_t(steps) * step + 16512, 128));
   R* const a = (R*)(B::rounded_down(raw, 4096) + 4096);
   const ptrdiff_t lanes = rows_in_block<R>(steps) / Lanes<R>::count;
   return {a, nullptr, a + lanes * lane_stride<R>(steps), raw};

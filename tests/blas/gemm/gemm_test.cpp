@@ -222,6 +222,23 @@ TEST_F(GemmMemory, BufferIsGivenBack) {
   const uint32_t single = single_block() * (256 + 2048) + 16512;
   twice([] { multiply_ones<float>(jex_blas_xsgemm, 40); }, single);
   twice([] { multiply_ones<jex_scomplex>(jex_blas_xcgemm, 40); }, single);
+  twice([] { multiply_ones<jex_dcomplex>(jex_blas_xzgemm, 40); }, 128 * (4096 + 64) + 16512);
+}
+
+// Nothing beyond the buffer is written: the hook keeps a mark behind each block.
+TEST_F(GemmMemory, BufferHoldsTheLargestBlocks) {
+  const int n = 530;
+  const auto check = [&](auto multiply) {
+    jex_serv_jex_thread_free_buffers();
+    const int faults = xmalloc.faults;
+    multiply();
+    jex_serv_jex_thread_free_buffers();
+    EXPECT_EQ(xmalloc.faults, faults);
+  };
+  check([&] { multiply_ones<float>(jex_blas_xsgemm, n); });
+  check([&] { multiply_ones<double>(jex_blas_xdgemm, n); });
+  check([&] { multiply_ones<jex_scomplex>(jex_blas_xcgemm3m, n); });
+  check([&] { multiply_ones<jex_dcomplex>(jex_blas_xzgemm, n); });
 }
 
 // There is no other way without a buffer, and no check.

@@ -17,7 +17,8 @@ Xmalloc xmalloc;
 namespace {
 
 constexpr uint32_t alive = 0x11FE11FE, dead = 0xDEADDEAD;
-constexpr unsigned char fresh_fill = 0xA5, freed_fill = 0xDD;
+constexpr unsigned char fresh_fill = 0xA5, freed_fill = 0xDD, end_fill = 0xB7;
+constexpr size_t end_size = 64;  // behind each block, to show writes beyond it
 
 struct alignas(16) Header {
   uint32_t state;
@@ -45,10 +46,11 @@ Header* take_parked(size_t size) {
 
 void* give(size_t size) {
   Header* block = take_parked(size);
-  if (!block) block = static_cast<Header*>(malloc(sizeof(Header) + size));
+  if (!block) block = static_cast<Header*>(malloc(sizeof(Header) + size + end_size));
   if (!block) return nullptr;
   *block = {alive, size};
   memset(bytes(block), fresh_fill, filled(block));
+  memset(bytes(block) + size, end_fill, end_size);
   ++xmalloc.live;
   xmalloc.last_size = size;
   xmalloc.last = block + 1;
@@ -62,6 +64,9 @@ void take_back(void* address) {
     ++xmalloc.faults;
     return;
   }
+  const unsigned char* const end = bytes(block) + block->size;
+  if (!std::all_of(end, end + end_size, [](unsigned char c) { return c == end_fill; }))
+    ++xmalloc.faults;
   block->state = dead;
   memset(bytes(block), freed_fill, filled(block));
   --xmalloc.live;

@@ -1,0 +1,157 @@
+// A pool that grows to what calls ask for. Its threads sleep between calls.
+//
+// A child process has only the thread that forked: it begins with an empty pool. When the core is
+// unloaded the threads are ended first, and each gives its work buffers back.
+
+#include "threads/threads.h"
+
+#include <jex/core.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <new>
+#include <stdlib.h>
+#include <thread>
+#include <vector>
+
+#include <pthread.h>
+
+namespace jex {
+namespace {
+
+constexpr int most_threads = 256;
+
+struct Job {
+  int parts;
+  void (*part)(void* context, int i);
+  void* context;
+};
+
+class Pool {
+ public:
+  // True if the job was done; false if the pool has another one.
+  bool run(const Job& job) {
+    const std::unique_lock<std::mutex> own(turn_, std::try_to_lock);
+    if (!own) return false;
+    {
+      const std::lock_guard<std::mutex> hold(mutex_);
+      while (int(threads_.size()) < job.parts - 1 && grow()) {
+      }
+      job_ = job;
+      next_ = 0;
+      ++round_;
+      busy_ = int(threads_.size());
+    }
+    wake_.notify_all();
+    work(job);
+    std::unique_lock<std::mutex> hold(mutex_);
+    done_.wait(hold, [&] { return busy_ == 0; });
+    return true;
+  }
+
+  void end() {
+    {
+      const std::lock_guard<std::mutex> hold(mutex_);
+      ending_ = true;
+    }
+    wake_.notify_all();
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+ private:
+  bool grow() {
+    try {
+      threads_.emplace_back([this, seen = round_] { serve(seen); });
+      return true;
+    } catch (...) {
+      return false;
+    }
+  }
+
+  void work(const Job& job) {
+    for (int i; (i = next_++) < job.parts;) job.part(job.context, i);
+  }
+
+  void serve(unsigned seen) {
+    for (;;) {
+      Job job;
+      {
+        std::unique_lock<std::mutex> hold(mutex_);
+        wake_.wait(hold, [&] { return ending_ || round_ != seen; });
+        if (ending_) break;
+        seen = round_;
+        job = job_;
+      }
+      work(job);
+      const std::lock_guard<std::mutex> hold(mutex_);
+      if (--busy_ == 0) done_.notify_one();
+    }
+    if (const Module* entries = module()) entries->jex_serv_jex_thread_free_buffers();
+  }
+
+  std::mutex turn_, mutex_;
+  std::condition_variable wake_, done_;
+  std::vector<std::thread> threads_;
+  Job job_{};
+  std::atomic<int> next_{0};
+  unsigned round_ = 0;
+  int busy_ = 0;
+  bool ending_ = false;
+};
+
+std::atomic<Pool*> pool{nullptr};
+std::atomic<int> limit{0};
+
+// The parent's pool stays where it is: its threads are not here to be ended.
+void forget_pool() { pool = nullptr; }
+
+Pool* the_pool() {
+  if (Pool* const found = pool) return found;
+  Pool* const fresh = new (std::nothrow) Pool;
+  Pool* expected = nullptr;
+  if (!fresh || pool.compare_exchange_strong(expected, fresh)) return fresh;
+  delete fresh;
+  return expected;
+}
+
+int limit_from_environment() {
+  const char* const text = getenv("JEX_NUM_THREADS");
+  const long wanted = text ? strtol(text, nullptr, 10) : 0;
+  const long count = wanted > 0 ? wanted : long(std::thread::hardware_concurrency());
+  return int(std::clamp(count, 1L, long(most_threads)));
+}
+
+[[gnu::constructor]] void watch_forks() { pthread_atfork(nullptr, nullptr, forget_pool); }
+
+[[gnu::destructor]] void end_pool() {
+  Pool* const last = pool.exchange(nullptr);
+  if (!last) return;
+  last->end();
+  delete last;
+}
+
+}  // namespace
+
+int thread_limit() {
+  if (const int known = limit.load(std::memory_order_relaxed)) return known;
+  const int count = limit_from_environment();
+  limit = count;
+  return count;
+}
+
+void run_parts(int parts, void (*part)(void* context, int i), void* context) {
+  if (parts > 1)
+    if (Pool* const shared = the_pool())
+      if (shared->run({parts, part, context})) return;
+  for (int i = 0; i < parts; ++i) part(context, i);
+}
+
+}  // namespace jex
+
+void jex_set_num_threads(jex_int count) {
+  jex::limit = count < 1 ? jex::limit_from_environment() : std::min(count, jex::most_threads);
+}
+
+jex_int jex_get_num_threads(void) { return jex::thread_limit(); }
