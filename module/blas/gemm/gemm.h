@@ -115,7 +115,9 @@ template <class T>
   const auto run = [&](auto first) {
     multiply_packed(RealScheme<T, first>{alpha, beta}, m, grouped, k, op_a, op_b, c, ldc);
   };
-  if (is_one(beta))
+  if (is_light<T>(m, n, k))
+    multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, grouped);
+  else if (is_one(beta))
     run(std::integral_constant<First, First::accumulate>());
   else if (is_zero(beta))
     run(std::integral_constant<First, First::overwrite>());
@@ -136,7 +138,7 @@ template <template <class> class Scheme, class T>
   const Operand<typename Scheme<T>::A> op_a{a, lda, transa};
   const Operand<T> op_b{b, ldb, transb};
   if constexpr (std::is_same_v<typename Scheme<T>::A, T>)
-    if (is_small(m, n, k))
+    if (is_small(m, n, k) || is_light<T>(m, n, k))
       return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, n);
   scale_matrix(m, n, beta, c, ldc);
   if (k > 0) multiply_packed(Scheme<T>{alpha}, m, n, k, op_a, op_b, c, ldc);

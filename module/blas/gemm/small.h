@@ -20,67 +20,117 @@ struct Small {
   int ldc;
 };
 
-// beta c + sum; c is not read where beta is 0.
+// One lane of rows by a few columns: at most four registers of sums.
 template <class T>
-[[gnu::always_inline]] inline Lanes<T> with_beta(Lanes<T> sum, T beta, auto load_c) {
-  if (is_zero(beta)) return sum;
-  return is_one(beta) ? load_c() + sum : sum + load_c() * Factor<T>(beta);
-}
+struct SmallWalk {
+  int steps;
+  bool conjugates_a, conjugates_b, scaled;
+  T alpha;
+  ptrdiff_t inc, next;        // elements of A: to the next row, to the next step
+  ptrdiff_t b_row, b_column;  // real numbers of B: to the next step, to the next column
+
+  explicit SmallWalk(const Small<T>& q)
+      : steps(q.steps),
+        conjugates_a(is_complex<T> && q.a.conjugates()),
+        conjugates_b(is_complex<T> && q.b.conjugates()),
+        scaled(!is_one(q.alpha)),
+        alpha(q.alpha),
+        inc(q.a.row_distance()),
+        next(q.a.column_distance()),
+        b_row(q.b.row_distance() * parts),
+        b_column(q.b.column_distance() * parts) {}
+
+  using R = Real<T>;
+  static constexpr int parts = is_complex<T> ? 2 : 1;
+
+  template <int columns, class Load>
+  [[gnu::always_inline]] void sum(const T* a, const R* b, Load load,
+                                  Lanes<T> (&result)[columns]) const {
+    Lanes<R> sum[columns * parts];
+    unrolled<columns * parts>([&](auto k)
+                                  __attribute__((always_inline)) { sum[k] = Lanes<R>::zero(); });
+    for (int p = steps; p > 0; --p, a += next, b += b_row) {
+      Lanes<T> lane = load(a);
+      if constexpr (is_complex<T>)
+        if (conjugates_a) lane.parts = lane.parts * Lanes<T>::all({1, -1}).parts;
+      if (scaled) lane = lane * Factor<T>(alpha);
+      Lanes<R> row;
+      if constexpr (is_complex<T>)
+        row = pinned(lane.parts);
+      else
+        row = pinned(lane);
+      unrolled<columns * parts>([&](auto k) __attribute__((always_inline)) {
+        accumulate(sum[k],
+                   pinned(Lanes<R>::load_all(b + (k / parts) * b_column + k % parts)) * row);
+      });
+    }
+    unrolled<columns>([&](auto k) __attribute__((always_inline)) {
+      if constexpr (is_complex<T>) {
+        Lanes<R> im = sum[2 * k + 1];
+        if (conjugates_b) im = Lanes<R>::zero() - im;
+        result[k] = {add_i_times(sum[2 * k], swap_parts(im))};
+      } else {
+        result[k] = sum[k];
+      }
+    });
+  }
+};
 
 // Columns j, j + 1, ... of C.
-template <int columns, class T>
+template <int columns, First first, bool contiguous, class T>
 [[gnu::noinline]] void multiply_columns(const Small<T>& q, int j) {
   constexpr int height = Lanes<T>::count;
   using L = Lanes<T>;
-  const ptrdiff_t inc = q.a.row_distance(), next = q.a.column_distance(),
-                  b_row = q.b.row_distance(), b_column = q.b.column_distance();
-  const Factor<T> alpha(q.alpha);
-  const auto rows = [&](int i, auto load) __attribute__((always_inline)) {
-    L sum[columns];
-    unrolled<columns>([&](auto k) __attribute__((always_inline)) { sum[k] = L::zero(); });
-    const T *a = q.a.from(i, 0).x, *b = q.b.from(0, j).x;
-    for (int p = 0; p < q.steps; ++p, a += next, b += b_row) {
-      L lane = load(a);
-      if constexpr (is_complex<T>)
-        if (q.a.conjugates()) lane.parts = lane.parts * L::all({1, -1}).parts;
-      lane = lane * alpha;
-      unrolled<columns>([&](auto k) __attribute__((always_inline)) {
-        T factor = b[k * b_column];
-        if constexpr (is_complex<T>)
-          if (q.b.conjugates()) factor.im = -factor.im;
-        sum[k] = sum[k] + lane * Factor<T>(factor);
-      });
-    }
-    return [=](int k) { return sum[k]; };
+  const SmallWalk<T> walk(q);
+  const T beta = q.beta;
+  const ptrdiff_t ldc = q.ldc, inc = walk.inc;
+  const T* a = q.a.x;
+  const Real<T>* const b = reinterpret_cast<const Real<T>*>(q.b.from(0, j).x);
+  T* c = q.c + j * ldc;
+  L sum[columns];
+  const auto store = [&](auto load_c, auto store_c) __attribute__((always_inline)) {
+    unrolled<columns>([&](auto k) __attribute__((always_inline)) {
+      T* const to = c + k * ldc;
+      L v = sum[k];
+      if constexpr (first == First::accumulate) v = load_c(to) + v;
+      if constexpr (first == First::general) v = v + load_c(to) * Factor<T>(beta);
+      store_c(v, to);
+    });
   };
-  int i = 0;
-  T* c = q.c + ptrdiff_t(j) * q.ldc;
-  for (; i + height <= q.rows; i += height) {
-    const auto sum = rows(
-        i, [=](const T* a) __attribute__((always_inline)) {
-          return inc == 1 ? L::load(a) : L::gather(a, inc);
-        });
-    unrolled<columns>([&](auto k) __attribute__((always_inline)) {
-      T* const to = c + i + ptrdiff_t(k) * q.ldc;
-      with_beta(sum(k), q.beta, [=] { return L::load(to); }).store(to);
-    });
+  int left = q.rows;
+  for (; left >= height; left -= height, a += height * inc, c += height) {
+    walk.sum(
+        a, b,
+        [=](const T* a)
+            __attribute__((always_inline)) { return contiguous ? L::load(a) : L::gather(a, inc); },
+        sum);
+    store([](const T* c) { return L::load(c); }, [](L v, T* c) { v.store(c); });
   }
-  for (; i < q.rows; ++i) {
-    const auto sum = rows(
-        i, [](const T* a) __attribute__((always_inline)) { return L::load_first(a); });
-    unrolled<columns>([&](auto k) __attribute__((always_inline)) {
-      T* const to = c + i + ptrdiff_t(k) * q.ldc;
-      with_beta(sum(k), q.beta, [=] { return L::load_first(to); }).store_first(to);
-    });
+  for (; left > 0; --left, a += inc, ++c) {
+    walk.sum(
+        a, b, [](const T* a) __attribute__((always_inline)) { return L::load_first(a); }, sum);
+    store([](const T* c) { return L::load_first(c); }, [](L v, T* c) { v.store_first(c); });
   }
 }
 
 template <class T>
 void multiply_small(const Small<T>& q, int columns) {
   constexpr int together = is_complex<T> ? 2 : 4;
-  int j = 0;
-  for (; j + together <= columns; j += together) multiply_columns<together>(q, j);
-  for (; j < columns; ++j) multiply_columns<1>(q, j);
+  const auto walk = [&](auto first, auto contiguous) {
+    int j = 0;
+    for (; j + together <= columns; j += together)
+      multiply_columns<together, first, contiguous>(q, j);
+    for (; j < columns; ++j) multiply_columns<1, first, contiguous>(q, j);
+  };
+  const auto with_first = [&](auto first) {
+    q.a.row_distance() == 1 ? walk(first, std::true_type()) : walk(first, std::false_type());
+  };
+  if (is_zero(q.beta))
+    with_first(std::integral_constant<First, First::overwrite>());
+  else if (is_one(q.beta))
+    with_first(std::integral_constant<First, First::accumulate>());
+  else
+    with_first(std::integral_constant<First, First::general>());
 }
 
 }  // namespace jex::blas

@@ -5,7 +5,11 @@
 
 #include <jex/core_imports.h>
 
+#include <stdint.h>
+
 namespace jex::blas {
+
+using namespace simd;
 
 // A tile is held in registers: six lanes of rows by one column, which leaves two of the eight
 // registers for the factors. One column of B is loaded once for six products, and six sums hide
@@ -39,7 +43,17 @@ inline int rows_in_block(int steps) {
 // Columns of B that are packed together, double only: 128 x 2,000 numbers.
 inline constexpr int packed_columns = 2000;
 
-// Below these sizes packing does not pay.
+// Problems with so narrow a side are not packed.
 inline bool is_small(int m, int n, int k) { return m < 4 || k < 8 || n < 8; }
+
+// Nor are those with so few products, in a single block of steps: packing would take longer than it
+// saves. The sums are the same, bit for bit.
+template <class T>
+inline bool is_light(int m, int n, int k) {
+  constexpr int most = sizeof(Real<T>) == 4 ? 25 * 25 * 25
+                       : is_complex<T>      ? 48 * 48 * 48
+                                            : 33 * 33 * 33;
+  return k <= 128 && int64_t(m) * n * k <= most;
+}
 
 }  // namespace jex::blas

@@ -218,11 +218,11 @@ TEST_F(GemmMemory, BufferIsGivenBack) {
     multiply();
     EXPECT_EQ(held(), first);
   };
-  twice([] { multiply_ones<double>(jex_blas_xdgemm, 40); }, 40 * 1024 + 551168);
+  twice([] { multiply_ones<double>(jex_blas_xdgemm, 60); }, 60 * 1024 + 551168);
   const uint32_t single = single_block() * (256 + 2048) + 16512;
-  twice([] { multiply_ones<float>(jex_blas_xsgemm, 40); }, single);
-  twice([] { multiply_ones<jex_scomplex>(jex_blas_xcgemm, 40); }, single);
-  twice([] { multiply_ones<jex_dcomplex>(jex_blas_xzgemm, 40); }, 128 * (4096 + 64) + 16512);
+  twice([] { multiply_ones<float>(jex_blas_xsgemm, 60); }, single);
+  twice([] { multiply_ones<jex_scomplex>(jex_blas_xcgemm, 60); }, single);
+  twice([] { multiply_ones<jex_dcomplex>(jex_blas_xzgemm, 60); }, 128 * (4096 + 64) + 16512);
 }
 
 // Nothing beyond the buffer is written: the hook keeps a mark behind each block.
@@ -247,7 +247,7 @@ TEST_F(GemmMemory, NoBufferEndsTheProgram) {
   EXPECT_EXIT(
       {
         xmalloc.fail_in = 1;
-        multiply_ones<double>(jex_blas_xdgemm, 40);
+        multiply_ones<double>(jex_blas_xdgemm, 60);
       },
       testing::KilledBySignal(SIGSEGV), "");
 }
