@@ -9,6 +9,8 @@ std::vector<Case> all_cases() {
   add_level1(cases);
   add_level2(cases);
   add_level3(cases);
+  add_trans(cases);
+  add_xblas(cases);
   return cases;
 }
 

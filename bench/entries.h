@@ -5,7 +5,8 @@
 
 namespace jex::bench {
 
-/// How a complex function result comes back; all else is alike in both conventions.
+/// How a complex function result comes back; and the matrix copies, which take their scalars by
+/// value in the module and by address elsewhere. All else is alike in both conventions.
 enum class Abi { module, fortran };
 
 struct Entry {
@@ -20,7 +21,7 @@ struct Entry {
   }
 };
 
-/// The module's export of a BLAS routine ("ddot"); empty when there is none.
+/// The module's export of a dense routine ("ddot", "domatcopy"); empty when there is none.
 Entry module_entry(const std::string& routine);
 
 /// A library opened by its full path; its symbols stay its own.

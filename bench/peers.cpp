@@ -43,6 +43,8 @@ Peers find_peers() {
   };
   add("Eigen", own + "libjex_bench_eigen.so", "libeigen3-dev");
   add("netlib", system + "blas/libblas.so.3", "libblas3:i386");
+  add("FFTW", own + "libjex_bench_fftw.so", "libfftw3-dev:i386");
+  add("plain loop", own + "libjex_bench_doubledouble.so", "none: built with the benchmark");
   add("memcpy", own + "libjex_bench_memcpy.so", "none: built with the benchmark");
 
   const std::string openblas = first_match(system + "openblas-serial/libopenblas.so.0");

@@ -1,5 +1,6 @@
 // Module entry, branch number, option characters and the empty entries.
 
+#include "serv/empty.h"
 #include "serv/lsame.h"
 #include "serv/shell.h"
 

@@ -238,6 +238,45 @@ struct Lanes<jex_dcomplex> : ComplexLanes<jex_dcomplex> {
   void scatter(jex_dcomplex* p, int) const { store(p); }
 };
 
+// The imaginary parts change their sign.
+inline Lanes<jex_scomplex> conjugate(Lanes<jex_scomplex> a) {
+  return {Lanes<float>{_mm_xor_ps(a.parts.v, _mm_setr_ps(0, -0.0f, 0, -0.0f))}};
+}
+inline Lanes<jex_dcomplex> conjugate(Lanes<jex_dcomplex> a) {
+  return {Lanes<double>{_mm_xor_pd(a.parts.v, _mm_setr_pd(0, -0.0))}};
+}
+
+// As many registers as a register has elements, seen as the lines of a square, are transposed.
+inline void transpose(Lanes<float> (&r)[4]) {
+  const __m128 low01 = _mm_unpacklo_ps(r[0].v, r[1].v), low23 = _mm_unpacklo_ps(r[2].v, r[3].v);
+  const __m128 high01 = _mm_unpackhi_ps(r[0].v, r[1].v), high23 = _mm_unpackhi_ps(r[2].v, r[3].v);
+  r[0].v = _mm_movelh_ps(low01, low23);
+  r[1].v = _mm_movehl_ps(low23, low01);
+  r[2].v = _mm_movelh_ps(high01, high23);
+  r[3].v = _mm_movehl_ps(high23, high01);
+}
+inline void transpose(Lanes<double> (&r)[2]) {
+  const __m128d low = _mm_unpacklo_pd(r[0].v, r[1].v);
+  r[1].v = _mm_unpackhi_pd(r[0].v, r[1].v);
+  r[0].v = low;
+}
+inline void transpose(Lanes<jex_scomplex> (&r)[2]) {
+  const __m128 low = _mm_movelh_ps(r[0].parts.v, r[1].parts.v);
+  r[1].parts.v = _mm_movehl_ps(r[1].parts.v, r[0].parts.v);
+  r[0].parts.v = low;
+}
+inline void transpose(Lanes<jex_dcomplex> (&)[1]) {}
+
+// Stores past the caches, on a 16-byte boundary; order_streams() puts such stores before later
+// ones.
+inline void stream(Lanes<float> a, float* p) { _mm_stream_ps(p, a.v); }
+inline void stream(Lanes<double> a, double* p) { _mm_stream_pd(p, a.v); }
+template <class T>
+inline void stream(Lanes<T> a, T* p) {
+  stream(a.parts, &p->re);
+}
+inline void order_streams() { _mm_sfence(); }
+
 // Says that a value is in a register here. The compiler otherwise moves the loads of an unrolled
 // loop ahead of its sums, until the eight registers overflow to the stack.
 template <class T>
@@ -252,7 +291,8 @@ template <class T>
 }
 
 // sum += term, in the register that holds the sum. The compiler is free to leave the sum of a
-// commutative operation in the other operand; where sums fill the registers it then runs out of them.
+// commutative operation in the other operand; where sums fill the registers it then runs out of
+// them.
 [[gnu::always_inline]] inline void accumulate(Lanes<float>& sum, Lanes<float> term) {
   asm("addps %1, %0" : "+x"(sum.v) : "x"(term.v));
 }
@@ -267,7 +307,7 @@ template <class T>
 
 // An address or a distance that is kept as it is, not rewritten into sums of others.
 template <class T>
-  requires std::is_scalar_v<T>
+requires std::is_scalar_v<T>
 [[gnu::always_inline]] inline T pinned(T a) {
   asm("" : "+r"(a));
   return a;

@@ -21,8 +21,8 @@ const std::map<std::string, std::set<std::string>> families = {
     {"dft", {}},
     {"pdett", {"dft"}},
     {"pdepl", {"pdett"}},
-    {"trans", {}},
-    {"xblas", {}},
+    {"trans", {"blas/level1"}},
+    {"xblas", {"blas/level1"}},
     {"gmp", {}},
 };
 

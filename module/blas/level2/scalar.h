@@ -7,11 +7,6 @@
 
 namespace jex::blas {
 
-inline bool is_one(float a) { return a == 1; }
-inline bool is_one(double a) { return a == 1; }
-inline bool is_one(jex_scomplex a) { return a.re == 1 && is_zero(a.im); }
-inline bool is_one(jex_dcomplex a) { return a.re == 1 && is_zero(a.im); }
-
 template <class T>
 [[gnu::always_inline]] inline T add(T a, T b) {
   if constexpr (is_complex<T>)

@@ -1,0 +1,6 @@
+// Export shells of the extended-precision products, stamped from the list.
+
+#include "serv/shell.h"
+#include "xblas/routines.h"
+
+#include "xblas/exports.inc"

@@ -1,0 +1,99 @@
+// Every integer and low-level function of the installed GNU MP has its entry, and each entry jumps
+// to the function of its own name. The header is read by its naming macros, not by its
+// declarations, from which the list was made.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <jex/core.h>
+
+#include <fstream>
+#include <regex>
+#include <set>
+#include <string>
+
+#include <dlfcn.h>
+
+namespace {
+
+using Names = std::set<std::string>;
+
+// "#define mpz_add __gmpz_add", "#define mpn_add __MPN(add)", "#define _mpz_cmp_ui __gmpz_cmp_ui".
+Names defined_in_header() {
+  static const std::regex macro(
+      "#define _?(mp[zn]?|gmp)_[a-z0-9_]+ +(__gmp[zn]?_|__MPN\\()([a-z0-9_]+)\\)?");
+  std::ifstream header(GMP_HEADER);
+  Names names;
+  std::smatch match;
+  for (std::string line; getline(header, line);)
+    if (std::regex_match(line, match, macro))
+      names.insert((match[2] == "__MPN(" ? "__gmpn_" : match[2].str()) + match[3].str());
+  return names;
+}
+
+// Functions, not variables, of the library.
+Names functions_of_library() {
+  Names names;
+  FILE* pipe = popen("LC_ALL=C nm -D --defined-only '" GMP_LIBRARY "'", "r");
+  char kind, name[256];
+  while (pipe && fscanf(pipe, "%*s %c %255s", &kind, name) == 2)
+    if (kind == 'T' || kind == 'W' || kind == 'i') names.insert(name);
+  EXPECT_TRUE(pipe && pclose(pipe) == 0);
+  return names;
+}
+
+Names entries() {
+  Names names;
+#define JEX_ENTRY(name) \
+  if (std::string(#name).rfind("jex_gmp_", 0) == 0) names.insert(std::string(#name).substr(8));
+#include <jex/export_names.inc>
+#undef JEX_ENTRY
+  return names;
+}
+
+const Names in_core = {"__gmp_fprintf", "__gmpz_inp_raw", "__gmpz_inp_str", "__gmpz_out_raw",
+                       "__gmpz_out_str"};
+
+TEST(GmpList, HasEveryFunctionOfHeaderAndLibrary) {
+  const Names exported = functions_of_library();
+  Names expected;
+  for (const std::string& name : defined_in_header())
+    if (exported.count(name)) expected.insert(name);
+  // With obstacks, which the C library keeps apart, there would be two more.
+  expected.erase("__gmp_obstack_printf");
+  expected.erase("__gmp_obstack_vprintf");
+  EXPECT_GT(expected.size(), 250u) << "gmp.h was not understood";
+  EXPECT_THAT(entries(), testing::ContainerEq(expected));
+  EXPECT_THAT(entries(), testing::IsSupersetOf(in_core));
+}
+
+// call, addl of a distance to EAX, jmp through a slot beside EAX.
+void* target_of(const unsigned char* entry) {
+  int32_t to_table, to_slot;
+  if (entry[0] != 0xe8 || entry[5] != 0x05 || entry[10] != 0xff || entry[11] != 0xa0)
+    return nullptr;
+  memcpy(&to_table, entry + 6, 4);
+  memcpy(&to_slot, entry + 12, 4);
+  return *reinterpret_cast<void* const*>(entry + 5 + to_table + to_slot);
+}
+
+TEST(GmpList, EveryEntryJumpsToItsFunction) {
+  const jex::Module* module = jex::module();
+  ASSERT_NE(module, nullptr) << jex_core_error();
+  void* gmp = dlopen("libgmp.so.10", RTLD_NOW);
+  int jumps = 0;
+  const auto check = [&](const std::string& name, const void* entry) {
+    if (name.rfind("jex_gmp_", 0) != 0 || in_core.count(name.substr(8))) return;
+    void* const own = dlsym(gmp, name.substr(8).c_str());
+    ASSERT_NE(own, nullptr) << name;
+    EXPECT_EQ(target_of(static_cast<const unsigned char*>(entry)), own) << name;
+    ++jumps;
+  };
+#define JEX_ENTRY(name) check(#name, reinterpret_cast<const void*>(module->name));
+#include <jex/export_names.inc>
+#undef JEX_ENTRY
+  EXPECT_EQ(jumps, int(entries().size() - in_core.size()));
+  dlclose(gmp);
+}
+
+}  // namespace
