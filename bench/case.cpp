@@ -11,6 +11,7 @@ std::vector<Case> all_cases() {
   add_level3(cases);
   add_trans(cases);
   add_xblas(cases);
+  add_sparse(cases);
   return cases;
 }
 

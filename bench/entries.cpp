@@ -23,11 +23,11 @@ std::unordered_map<std::string, void*> table_of_module() {
 Entry module_entry(const std::string& routine) {
   static const auto table = table_of_module();
   // The drivers of level 3 have an x before their names.
-  for (const char* family : {"jex_blas_", "jex_blas_x", "jex_trans_jex_", "jex_xblas_blas_"}) {
-    const auto found = table.find(family + routine);
-    if (found != table.end()) return {found->second, Abi::module};
-  }
-  return {nullptr, Abi::module};
+  for (const char* family :
+       {"jex_blas_", "jex_blas_x", "jex_spblas_", "jex_trans_jex_", "jex_xblas_blas_"})
+    if (const auto found = table.find(family + routine); found != table.end())
+      return {found->second, Abi::module};
+  return {};
 }
 
 // Never closed: a library may leave handlers behind.

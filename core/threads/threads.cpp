@@ -24,7 +24,7 @@ namespace {
 constexpr int most_threads = 256;
 
 struct Job {
-  int parts;
+  int parts, threads;
   void (*part)(void* context, int i);
   void* context;
 };
@@ -37,7 +37,7 @@ class Pool {
     if (!own) return false;
     {
       const std::lock_guard<std::mutex> hold(mutex_);
-      while (int(threads_.size()) < job.parts - 1 && grow()) {
+      while (int(threads_.size()) < job.threads - 1 && grow()) {
       }
       job_ = job;
       next_ = 0;
@@ -63,7 +63,7 @@ class Pool {
  private:
   bool grow() {
     try {
-      threads_.emplace_back([this, seen = round_] { serve(seen); });
+      threads_.emplace_back([this, i = int(threads_.size()), seen = round_] { serve(i, seen); });
       return true;
     } catch (...) {
       return false;
@@ -74,7 +74,8 @@ class Pool {
     for (int i; (i = next_++) < job.parts;) job.part(job.context, i);
   }
 
-  void serve(unsigned seen) {
+  // The thread i of the pool; the caller is one more.
+  void serve(int i, unsigned seen) {
     for (;;) {
       Job job;
       {
@@ -84,7 +85,7 @@ class Pool {
         seen = round_;
         job = job_;
       }
-      work(job);
+      if (i + 1 < job.threads) work(job);
       const std::lock_guard<std::mutex> hold(mutex_);
       if (--busy_ == 0) done_.notify_one();
     }
@@ -142,9 +143,10 @@ int thread_limit() {
 }
 
 void run_parts(int parts, void (*part)(void* context, int i), void* context) {
-  if (parts > 1)
+  const int threads = std::min(parts, thread_limit());
+  if (threads > 1)
     if (Pool* const shared = the_pool())
-      if (shared->run({parts, part, context})) return;
+      if (shared->run({parts, threads, part, context})) return;
   for (int i = 0; i < parts; ++i) part(context, i);
 }
 

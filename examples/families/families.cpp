@@ -5,11 +5,13 @@ namespace jex::tour {
 
 Report level1(const Context&);
 Report level2(const Context&);
+Report sparse(const Context&);
 
 std::span<const Family> families() {
   static constexpr Family list[] = {
       {"level1", "level-1 vector kernels: the period of a series", level1},
       {"level2", "matrix-vector kernels: modes and prediction of a series", level2},
+      {"sparse", "sparse kernels: a membrane under load", sparse, Input::matrix},
   };
   return list;
 }

@@ -49,10 +49,16 @@ struct Context {
   std::string file;  // the user's file; empty: the family takes its own data
 };
 
-// run throws InputError (see series.h) for data that it cannot use.
+enum class Input {
+  series,
+  matrix
+};  // a CSV file, or a Matrix Market file, whose name ends in .mtx
+
+// run throws InputError (see input.h) for data that it cannot use.
 struct Family {
   const char *name, *title;
   Report (*run)(const Context&);
+  Input input = Input::series;
 };
 
 std::span<const Family> families();

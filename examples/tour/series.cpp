@@ -1,13 +1,8 @@
 #include "tour/series.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -15,25 +10,6 @@
 
 namespace jex::tour {
 namespace {
-
-constexpr size_t largest_file = 16 << 20;
-
-[[noreturn]] void fail(const std::string& file, int line, const std::string& what) {
-  throw InputError(text("%s:%d: %s", printable(file, 4096).c_str(), line, what.c_str()));
-}
-
-std::string content_of(const std::string& path) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-  if (!file) fail(path, 1, text("cannot be opened: %s", std::strerror(errno)));
-  std::string content;
-  char part[65536];
-  while (const size_t count = std::fread(part, 1, sizeof part, file.get())) {
-    content.append(part, count);
-    if (content.size() > largest_file) fail(path, 1, "is larger than 16 MiB");
-  }
-  if (std::ferror(file.get())) fail(path, 1, text("cannot be read: %s", std::strerror(errno)));
-  return content;
-}
 
 std::string_view trimmed(std::string_view s) {
   const size_t begin = s.find_first_not_of(" \t\r");
@@ -159,11 +135,6 @@ Series read_series(const std::string& path) {
   return {path, rows.x_name, rows.y_name, rows.x[0], step, std::move(rows.y)};
 }
 
-std::string sunspots_file() {
-  std::error_code ignored;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  const auto installed = program.parent_path().parent_path() / "share/jex/sunspots.csv";
-  return std::filesystem::exists(installed, ignored) ? installed.string() : JEX_TOUR_DATA;
-}
+std::string sunspots_file() { return data_file("sunspots.csv"); }
 
 }  // namespace jex::tour

@@ -1,16 +1,12 @@
 // Series of values at equal steps, read from CSV files.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-namespace jex::tour {
+#include "tour/input.h"
 
-// Data that cannot be used: one line that names file and line number.
-struct InputError : std::runtime_error {
-  using runtime_error::runtime_error;
-};
+namespace jex::tour {
 
 struct Series {
   std::string file, x_name, y_name;

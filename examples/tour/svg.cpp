@@ -203,10 +203,8 @@ std::string panel_element(const Panel& panel, double left, double offset) {
   return out + "</g>\n";
 }
 
-}  // namespace
-
-std::string draw(const std::string& title, const std::vector<Panel>& panels) {
-  const double left = left_end(panels), height = panels.size() * panel_height;
+std::string document(const std::string& title, double width, double height,
+                     const std::string& content) {
   std::string out = text(
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
       "<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" width=\"%.0f\" "
@@ -215,9 +213,37 @@ std::string draw(const std::string& title, const std::vector<Panel>& panels) {
       width, height, width, height, ink);
   out += "<title>" + escaped(title) + "</title>\n";
   out += "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
+  return out + content + "</svg>\n";
+}
+
+}  // namespace
+
+std::string draw(const std::string& title, const std::vector<Panel>& panels) {
+  const double left = left_end(panels);
+  std::string content;
   for (size_t i = 0; i < panels.size(); ++i)
-    out += panel_element(panels[i], left, i * panel_height);
-  return out + "</svg>\n";
+    content += panel_element(panels[i], left, i * panel_height);
+  return document(title, width, panels.size() * panel_height, content);
+}
+
+std::string draw_structure(const std::string& title, int m, int n, const std::vector<int>& rows,
+                           const std::vector<int>& columns) {
+  constexpr double margin = 40, longest = 640;
+  const double scale = longest / std::max(m, n), dot = std::max(scale, 1.0);
+  const auto pixel = [&](int place) { return std::floor(place * scale / dot) * dot; };
+  std::vector<std::pair<double, double>> dots;
+  for (size_t k = 0; k < rows.size(); ++k) dots.push_back({pixel(rows[k]), pixel(columns[k])});
+  std::sort(dots.begin(), dots.end());
+  dots.erase(std::unique(dots.begin(), dots.end()), dots.end());
+  std::string content = text_element(margin, 26, "font-size=\"15\" font-weight=\"bold\"", title);
+  content += text(
+      "<rect x=\"%.2f\" y=\"%.2f\" width=\"%.2f\" height=\"%.2f\" fill=\"none\" stroke=\"%s\"/>\n",
+      margin, margin, n * scale, m * scale, ink);
+  content += text("<path class=\"structure\" fill=\"%s\" d=\"", line);
+  for (const auto& [row, column] : dots)
+    content += text("M%.2f %.2fh%.2fv%.2fh-%.2fz", margin + column, margin + row, dot, dot, dot);
+  content += "\"/>\n";
+  return document(title, n * scale + 2 * margin, m * scale + 2 * margin, content);
 }
 
 }  // namespace jex::tour::svg

@@ -36,4 +36,9 @@ struct Panel {
 // points or more.
 std::string draw(const std::string& title, const std::vector<Panel>& panels);
 
+// The structure of a matrix: a dot for each entry (rows[k], columns[k]), counted from 0, or for the
+// entries that share one of the picture's places.
+std::string draw_structure(const std::string& title, int m, int n, const std::vector<int>& rows,
+                           const std::vector<int>& columns);
+
 }  // namespace jex::tour::svg

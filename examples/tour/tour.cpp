@@ -59,7 +59,8 @@ std::string family_names() {
 
 // True if each check of the family holds.
 bool show_family(const Family& family, const Options& options, const Module& kernels) {
-  const Report report = family.run({kernels, options.file});
+  const Input given = options.file.ends_with(".mtx") ? Input::matrix : Input::series;
+  const Report report = family.run({kernels, given == family.input ? options.file : std::string()});
   std::printf("%s: %s\n\n", family.name, family.title);
   print_facts(report.problem);
   std::printf("\n");
@@ -112,7 +113,8 @@ std::string usage() {
       "  --family NAME  this family only\n"
       "  --out DIR      folder of the pictures, made if need be (jex-tour-out)\n"
       "  FILE           series to take in place of the sunspot numbers: CSV, abscissa and value,\n"
-      "                 equal steps, a header line if you like\n\n"
+      "                 equal steps, a header line if you like; or, named *.mtx, a matrix to take\n"
+      "                 in place of the membrane: Matrix Market, coordinates of real numbers\n\n"
       "families:\n";
   for (const Family& family : families()) out += text("  %-13s  %s\n", family.name, family.title);
   return out +

@@ -50,6 +50,18 @@ jex_int second_index(Int n, Real x, Int incx) {
   return good().jex_blas_idamax(n, rest.data(), incx);
 }
 
+void wrong_symmetric(Int first, Int last, Int m, Real alpha, Real a, Int columns, Int begin,
+                     Int end, Real x, double* y) {
+  const double wrong = *alpha * off;
+  good().jex_spblas_dcsr1nslnf__mvout_par(first, last, m, &wrong, a, columns, begin, end, x, y);
+}
+// Leaves the last unknown of a solve as it was.
+void short_lower(Int m, Real alpha, Real a, Int columns, Int begin, Int end, double* y) {
+  const jex_int fewer = *m - 1;
+  good().jex_spblas_dcsr1ntlnf__svout_seq(&fewer, alpha, a, columns, begin, end, y);
+}
+void nan_transposed(Int, Real, Real, Int, Int, Int, double* y) { *y = std::nan(""); }
+
 struct Spoiled {
   const char* name;
   void (*spoil)(Module&);
@@ -95,6 +107,16 @@ INSTANTIATE_TEST_SUITE_P(
                     Spoiled{"dscal", [](Module& m) { m.jex_blas_dscal = wrong_scal; }},
                     Spoiled{"idamax_next", [](Module& m) { m.jex_blas_idamax = next_index; }},
                     Spoiled{"idamax_second", [](Module& m) { m.jex_blas_idamax = second_index; }}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+INSTANTIATE_TEST_SUITE_P(
+    Sparse, SpoiledKernel,
+    testing::Values(
+        Spoiled{"dcsrsymv",
+                [](Module& m) { m.jex_spblas_dcsr1nslnf__mvout_par = wrong_symmetric; }},
+        Spoiled{"dcsrsv", [](Module& m) { m.jex_spblas_dcsr1ntlnf__svout_seq = short_lower; }},
+        Spoiled{"dcsrsv_t",
+                [](Module& m) { m.jex_spblas_dcsr1ttlnf__svout_seq = nan_transposed; }}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Check, HoldsUpToItsBoundAndNoFurther) {

@@ -212,6 +212,66 @@ TEST(Program, RefusesUnusableFiles) {
   }
 }
 
+// Matrices of each kind: product and, where the diagonal is whole, a solve.
+TEST(Program, ReadsMatrices) {
+  const std::string header = "%%MatrixMarket matrix coordinate ";
+  const struct {
+    std::string content, found;
+  } table[] = {
+      {header + "real symmetric\n% a comment\n\n3 3 4\n1 1 4\n2 2 4.5\n3 3 +4\n3 1 -1e0\n",
+       "A x - b"},
+      {header + "real general\r\n3 3 5\r\n1 1 2\n2 2 3\n3 3 4\n1 3 9\n1 3 -8\n", "L z - b"},
+      {header + "pattern general\n2 5 2\n1 5\n2 1\n", "the diagonal is not whole"},
+      {header + "integer skew-symmetric\n3 3 2\n2 1 7\n3 2 -1\n", "skew-symmetric"},
+      {"%%matrixmarket MATRIX Coordinate Real General\n1 1 1\n1 1 2\n", "1 x 1, 1 stored"},
+  };
+  for (const auto& row : table) {
+    const Folder folder;
+    const std::string file = folder.write("a.mtx", row.content);
+    const Outcome outcome = tour(folder, {"--family", "sparse", file});
+    EXPECT_EQ(outcome.status, 0) << row.content << outcome.out << outcome.err;
+    EXPECT_NE(outcome.out.find(row.found), std::string::npos) << row.content << outcome.out;
+    expect_well_formed(folder, folder / "out/structure.svg");
+  }
+}
+
+TEST(Program, RefusesUnusableMatrices) {
+  const std::string header = "%%MatrixMarket matrix coordinate real ";
+  const struct {
+    std::string content;
+    int line;
+    const char* reason;
+  } table[] = {
+      {"", 1, "header"},
+      {"1,2\n", 1, "header"},
+      {"%%MatrixMarket matrix array real general\n", 1, "coordinates"},
+      {"%%MatrixMarket matrix coordinate complex general\n", 1, "complex"},
+      {header + "hermitian\n", 1, "hermitian"},
+      {header + "general\n", 1, "sizes"},
+      {header + "general\n0 3 1\n", 2, "sizes out of range"},
+      {header + "general\n3 3 99999999999\n", 2, "not a number"},
+      {header + "symmetric\n2 3 1\n1 1 1\n", 2, "square"},
+      {header + "general\n2 2 1\n1 3 1\n", 3, "outside"},
+      {header + "general\n2 2 1\n0 1 1\n", 3, "outside"},
+      {header + "general\n2 2 1\n1 1\n", 3, "not an entry"},
+      {header + "general\n2 2 1\n1 1 nan\n", 3, "out of range"},
+      {header + "general\n2 2 1\n1 1 x\n", 3, "'x' is not a number"},
+      {header + "general\n2 2 2\n1 1 1\n", 3, "fewer"},
+      {header + "general\n2 2 1\n1 1 1\n2 2 1\n", 4, "more"},
+      {header + "symmetric\n2 2 1\n1 2 1\n", 3, "above"},
+      {header + "skew-symmetric\n2 2 1\n1 1 1\n", 3, "on the diagonal"},
+  };
+  for (const auto& bad : table) {
+    SCOPED_TRACE(bad.content);
+    const Folder folder;
+    const std::string file = folder.write("bad.mtx", bad.content);
+    const Outcome outcome = tour(folder, {"--family", "sparse", file});
+    expect_one_line(outcome, 2, file + ":" + std::to_string(bad.line) + ": ");
+    EXPECT_NE(outcome.err.find(bad.reason), std::string::npos) << outcome.err;
+    EXPECT_FALSE(fs::exists(folder / "out"));
+  }
+}
+
 TEST(Program, RefusesFilesThatCannotBeRead) {
   const Folder folder;
   expect_one_line(tour(folder, {folder / "absent.csv"}), 2, folder / "absent.csv:1: ");

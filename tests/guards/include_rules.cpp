@@ -15,9 +15,11 @@ namespace {
 const std::vector<std::string> dense = {"simd",      "serv",        "blas/level1", "blas/level2",
                                         "blas/gemm", "blas/level3", "blas/lapack"};
 
-// The other families stand beside each other, on simd, serv and what is named here.
+// The other families stand beside each other, on simd, serv and what is named here. The formats of
+// the sparse family stand on its frame, and beside each other.
 const std::map<std::string, std::set<std::string>> families = {
     {"spblas", {"blas/level1"}},
+    {"spblas/csr", {"spblas", "blas/level1"}},
     {"dft", {}},
     {"pdett", {"dft"}},
     {"pdepl", {"pdett"}},
@@ -35,9 +37,10 @@ std::string layer_of(const fs::path& path) {
   const auto inside = [&](const std::string& folder) { return text.rfind(folder + "/", 0) == 0; };
   for (const auto& folder : dense)
     if (inside(folder)) return folder;
+  std::string innermost;  // families come with the folder before what is in it
   for (const auto& [folder, below] : families)
-    if (inside(folder)) return folder;
-  return {};
+    if (inside(folder)) innermost = folder;
+  return innermost;
 }
 
 bool may_include(const std::string& from, const std::string& to) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "blas/level1/streams.h"
-#include "blas/level2/scalar.h"
+#include "blas/level1/scalar.h"
 
 namespace jex::blas {
 

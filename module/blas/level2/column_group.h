@@ -3,7 +3,7 @@
 // sums take two registers each.
 #pragma once
 
-#include "blas/level2/scalar.h"
+#include "blas/level1/scalar.h"
 #include "simd/repeat.h"
 
 #include <stddef.h>

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "blas/level1/sums.h"
-#include "blas/level2/scalar.h"
+#include "blas/level1/scalar.h"
 
 #include <algorithm>
 #include <stddef.h>

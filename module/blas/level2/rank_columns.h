@@ -9,7 +9,7 @@
 
 #include "blas/level2/column_walk.h"
 #include "blas/level2/options.h"
-#include "blas/level2/scalar.h"
+#include "blas/level1/scalar.h"
 #include "blas/level2/storage.h"
 
 namespace jex::blas {

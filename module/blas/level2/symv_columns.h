@@ -16,7 +16,7 @@
 #pragma once
 
 #include "blas/level1/sums.h"
-#include "blas/level2/scalar.h"
+#include "blas/level1/scalar.h"
 #include "blas/level2/column_walk.h"
 #include "blas/level2/storage.h"
 

@@ -14,26 +14,7 @@
 
 #include "blas/level2/triangle.h"
 
-#include <math.h>
-
 namespace jex::blas {
-
-// x / a. Complex by Smith: with |a.re| >= |a.im| and q = a.im / a.re it is
-// x (1, -q) / (a.re + a.im q), otherwise, with q = a.re / a.im, x (q, -1) / (a.im + a.re q).
-// All but the last product and division depends on a alone and is done while x is awaited.
-template <class T>
-[[gnu::always_inline]] inline T quotient(T x, T a) {
-  if constexpr (is_complex<T>) {
-    using R = Real<T>;
-    const bool wide = fabs(a.re) >= fabs(a.im);
-    const R large = wide ? a.re : a.im, small = wide ? a.im : a.re;
-    const R q = small / large, divisor = large + small * q;
-    const T t = multiply(x, wide ? T{1, -q} : T{q, -1});
-    return {t.re / divisor, t.im / divisor};
-  } else {
-    return x / a;
-  }
-}
 
 // v := inverse(corner) v, from the first or from the last element. solved<c>() runs when v[c] is
 // known and has been subtracted from the rest of v.

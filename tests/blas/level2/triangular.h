@@ -2,28 +2,15 @@
 // they are as dense matrices in long double.
 #pragma once
 
-#include "support/vectors.h"
+#include "support/exact.h"
 
 #include <jex/exports.h>
 
 #include <gtest/gtest.h>
 
-#include <complex>
-
 namespace jex::test {
 
 using Element4 = testing::Types<float, double, jex_scomplex, jex_dcomplex>;
-using Exact = std::complex<long double>;
-
-template <class T>
-Exact exact(T a) {
-  if constexpr (is_complex<T>)
-    return {a.re, a.im};
-  else
-    return a;
-}
-inline long double size_of(Exact a) { return std::abs(a.real()) + std::abs(a.imag()); }
-
 enum class Storage { full, band, packed };
 enum class Task { product, solve };
 

@@ -1,0 +1,9 @@
+// Export shells of the CSR kernels, stamped from the list. Compiled once for each element type.
+
+#include "serv/shell.h"
+#include "spblas/csr/kernels.h"
+
+using namespace jex::spblas;
+using namespace jex::spblas::csr;
+
+#include "spblas/csr/exports.inc"

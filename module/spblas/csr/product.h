@@ -1,0 +1,184 @@
+// Products: y := y + alpha op(A) x, row by row, for a vector or for groups of columns.
+//
+// With s the sum of a row's row parts and t = alpha x(i), alpha enters in one of two ways:
+//
+//   Alpha::sum     y(i) := s alpha + y(i)
+//   Alpha::terms   y(i) := y(i) + (a alpha) x(j) + ...        one chain that begins at y(i)
+//
+// Mirror parts are (a alpha) x(i), or a t where the rule says so and alpha multiplies sums. A unit
+// diagonal adds t to y(i) when the row is done.
+#pragma once
+
+#include "spblas/csr/matrix.h"
+#include "spblas/entry_rule.h"
+#include "spblas/sums.h"
+
+namespace jex::spblas::csr {
+
+enum class Alpha { sum, terms };
+
+// How a product adds: parts of the rule, order of the row sum, place of alpha.
+struct Method {
+  EntryRule rule;
+  Order order;
+  Alpha alpha;
+};
+
+// Vectors: general and triangular rows in partial sums; rows that also write mirror images, and
+// diagonals, in a chain.
+consteval Method vector_method(EntryRule rule) {
+  const bool mirrors = rule.mirror != Part::none;
+  return {rule, mirrors || rule.side == Side::diagonal ? Order::chain : Order::four,
+          rule.side == Side::diagonal ? Alpha::terms : Alpha::sum};
+}
+
+// Columns: one chain of terms down the columns, partial sums along rows.
+consteval Method matrix_method(EntryRule rule, Layout layout) {
+  if (layout == Layout::column_major || rule.side == Side::diagonal)
+    return {rule, Order::chain, Alpha::terms};
+  return {rule, Order::four, Alpha::sum};
+}
+
+template <class T>
+struct Dense {
+  T* p;
+  ptrdiff_t ld;
+};
+
+// Row number i with the entries first .. last - 1, for the group of columns at x and y.
+template <class Group, Method method, Layout layout, class T>
+[[gnu::always_inline]] inline void multiply_row(const Rows<T>& a, int i, Entry first, Entry last,
+                                                bool strict, bool unit, const T& alpha,
+                                                Dense<const T> x, Dense<T> y) {
+  using Value = typename Group::Value;
+  using Factor = typename Group::Factor;
+  constexpr EntryRule rule = method.rule;
+  constexpr bool has_row = rule.row != Part::none, has_mirror = rule.mirror != Part::none;
+  constexpr bool is_triangle = rule.side == Side::lower || rule.side == Side::upper;
+  constexpr Order order = has_row ? method.order : Order::chain;
+  constexpr bool in_terms = method.alpha == Alpha::terms;
+  constexpr bool scales_vector = rule.scaled_vector && !in_terms;
+  const Factor scale = Group::template factor<false>(alpha);
+  const auto load = [=](int r) __attribute__((always_inline)) {
+    return Group::load(at_row<layout>(x.p, r, x.ld), x.ld);
+  };
+  const auto place = [=](int r) __attribute__((always_inline)) {
+    return at_row<layout>(y.p, r, y.ld);
+  };
+  const auto row_term = [&](Entry k, int j) __attribute__((always_inline)) {
+    Factor f = Group::template factor<rule.row == Part::conj>(a.value(k));
+    if constexpr (in_terms) f = Group::scaled(f, scale);
+    return load(j) * f;
+  };
+  Value xi;
+  if constexpr (has_mirror) {
+    xi = load(i);
+    if constexpr (scales_vector) xi = xi * scale;
+  }
+  const auto add_mirror = [&](Entry k) __attribute__((always_inline)) {
+    Factor f = Group::template factor<rule.mirror == Part::conj>(a.value(k));
+    if constexpr (!scales_vector) f = Group::scaled(f, scale);
+    T* const to = place(*k);
+    const Value old = Group::load(to, y.ld);
+    Group::store(to, y.ld, rule.negative_mirror ? old - xi * f : old + xi * f);
+  };
+  const auto add = [&](Entry k, Value & sum) __attribute__((always_inline)) {
+    const int j = *k;
+    if constexpr (is_triangle) {
+      if (beside<rule.side>(i, j)) {
+        if constexpr (has_row) sum = sum + row_term(k, j);
+        if constexpr (has_mirror) add_mirror(k);
+        return;
+      }
+      if (strict) return;
+    }
+    if (rule.side != Side::any && j != i) return;
+    if constexpr (has_row)
+      sum = sum + row_term(k, pinned(j));  // else the address of x(i) would be kept for it
+    else
+      add_mirror(k);
+  };
+  Value sum = has_row && in_terms ? Group::load(place(i), y.ld) : Group::zero();
+  if constexpr (rule.side == Side::any && order == Order::four)
+    sum = full_row_sum(
+        first, last, sum, [&](Entry k) __attribute__((always_inline)) { return row_term(k, *k); });
+  else
+    sum = row_sum<order>(first, last, sum, add);
+  T* const yi = place(pinned(i));  // not kept, in a register of the loop, from before
+  if constexpr (!has_row) {
+    if (!is_triangle || !unit) return;
+    sum = Group::load(yi, y.ld);
+  } else if constexpr (!in_terms) {
+    sum = sum * scale + Group::load(yi, y.ld);
+  }
+  if constexpr (is_triangle)
+    if (unit) sum = sum + load(i) * scale;
+  Group::store(yi, y.ld, sum);
+}
+
+// Rows first .. last - 1. x and y are those of number 0.
+template <class T, Method method>
+[[gnu::noinline, gnu::noclone]] void multiply_vector(const Matrix<T>& matrix, int first, int last,
+                                                     bool strict, bool unit, const T& scale,
+                                                     const T* x, T* y) {
+  const Rows<T> a(matrix);
+  const T alpha = scale;
+  // Mirrored rows with a unit diagonal go twice, by the other kernel.
+  constexpr bool both = method.rule.row != Part::none && method.rule.mirror != Part::none;
+  const auto rows = [&](auto classic) __attribute__((always_inline)) {
+    const int end = last + a.base;
+    Entry k = a.first(first + a.base);
+    for (int i = first + a.base; i < end; i = pinned(i + 1)) {
+      if constexpr (!classic) k = a.first(i);
+      const Entry row_end = pinned(a.last(i));
+      multiply_row<One<T>, method, Layout::column_major>(a, i, k, row_end, !both && strict,
+                                                         !both && unit, alpha, {x, 0}, {y, 0});
+      k = row_end;
+    }
+  };
+  // In the classic form of three arrays each row begins where the one before has ended.
+  if (a.end == a.begin + 1)
+    rows(std::true_type());
+  else
+    rows(std::false_type());
+}
+
+// Registers of columns at once: sums, operands of mirror parts, a factor and a product have to find
+// place in eight.
+template <class T>
+consteval int registers_at_once(Method method) {
+  const int sums = method.order == Order::four ? 4 : method.rule.row != Part::none;
+  const int each = sums + (method.rule.mirror != Part::none);
+  const int most = (is_complex<T> ? 4 : 5) / each;
+  return most > 4 ? 4 : most > 0 ? most : 1;
+}
+
+// Columns c1 .. c2 - 1 of b and c, all m rows.
+template <class T, Method method, Layout layout>
+[[gnu::noinline, gnu::noclone]] void multiply_columns(const Matrix<T>& matrix, int c1, int c2,
+                                                      int m, bool strict, bool unit, const T& scale,
+                                                      Dense<const T> b, Dense<T> c) {
+  const Rows<T> a(matrix);
+  const T alpha = scale;
+  const auto row = [&]<Method row_method>(int i, Entry first, Entry last)
+      __attribute__((always_inline)) {
+    for_columns<T, registers_at_once<T>(row_method), layout>(
+        c1, c2, [&](auto group, int j) __attribute__((always_inline)) {
+          multiply_row<decltype(group), row_method, layout>(
+              a, i, first, last, strict, unit, alpha, {at_column<layout>(b.p, j, b.ld), b.ld},
+              {at_column<layout>(c.p, j, c.ld), c.ld});
+        });
+  };
+  // Partial sums of one term each add up like a chain, which leaves registers for more columns.
+  constexpr bool is_divided = method.order == Order::four && method.rule.mirror == Part::none;
+  constexpr Method chain = {method.rule, Order::chain, method.alpha};
+  for (int i = a.base; i < m + a.base; ++i) {
+    const Entry first = a.first(i), last = a.last(i);
+    if (is_divided && last - first < 8)
+      row.template operator()<is_divided ? chain : method>(i, first, last);
+    else
+      row.template operator()<method>(i, first, last);
+  }
+}
+
+}  // namespace jex::spblas::csr
