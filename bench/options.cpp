@@ -15,7 +15,7 @@ const char usage[] =
     "  --library PATH  one more peer: a shared library with Fortran BLAS symbols\n"
     "  --quick         fewer sizes and repetitions\n"
     "  --json FILE     also write all measurements to FILE\n"
-    "  --plot          also draw the ratios into the folder plots of the build, with gnuplot\n"
+    "  --plot          also draw ratios and rates into the folder plots of the build, with gnuplot\n"
     "  --list          print the names of the cases and stop\n"
     "  --help          print this and stop\n";
 

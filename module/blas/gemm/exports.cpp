@@ -1,6 +1,6 @@
 // Export shells of the matrix multiply, stamped from the list.
 
-#include "blas/gemm/gemm.h"
+#include "blas/gemm/mixed_helpers.h"
 #include "blas/level2/options.h"
 #include "serv/shell.h"
 

@@ -20,7 +20,7 @@
 #pragma once
 
 #include "blas/gemm/operand.h"
-#include "blas/level2/scalar.h"
+#include "blas/level1/scalar.h"
 #include "blas/level1/streams.h"
 #include "simd/repeat.h"
 
@@ -62,7 +62,7 @@ struct ComplexBase {
   using C = T;
   using R = Real<T>;
   static constexpr First first = First::accumulate;  // C is scaled before
-  T alpha;
+  T alpha{};
 
   static R sign(bool conjugated) { return conjugated ? R(-1) : R(1); }
   Lanes<T> scaled(Lanes<T> a, bool conjugated) const {

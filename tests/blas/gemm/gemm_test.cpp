@@ -172,6 +172,35 @@ TEST(Gemm, RealTimesComplexWithinBounds) {
   check_complex<double, jex_dcomplex>(jex_blas_xdzgemm, false);
 }
 
+// The pieces put together are the multiply, bit for bit.
+#define JEX_TEST_PIECES(p, R, T)                                                          \
+  TEST(GemmPieces, p) {                                                                   \
+    jex_int rows, columns, steps, a_bytes, b_bytes;                                       \
+    jex_blas_##p##gemm_blk_info(&rows, &columns, &steps, &a_bytes, &b_bytes);             \
+    for (const char op : {'N', 'T', 'C'}) {                                               \
+      Random random(op);                                                                  \
+      Multiply<T> q{                                                                      \
+          rows - 1, columns - 1, steps - 1, op == 'C' ? 'N' : op, op, {2, -1}, {0.5, 1}}; \
+      Call<R, T> whole(random, q, Values::plain);                                         \
+      Guarded place_a(a_bytes), place_b(b_bytes);                                         \
+      R* const a = static_cast<R*>(place_a.place(a_bytes, 0, Against::back));             \
+      R* const b = static_cast<R*>(place_b.place(b_bytes, 0, Against::back));             \
+      T* const c = &whole.c.at(0, 0);                                                     \
+      jex_blas_##p##gemm_mscale(&q.m, &q.n, &q.beta, c, whole.c.lda_address());           \
+      (op == 'T' ? jex_blas_##p##gemm_copyat : jex_blas_##p##gemm_copyan)(                \
+          &q.m, &q.k, whole.a.data(), whole.a.lda_address(), a);                          \
+      (op == 'N'   ? jex_blas_##p##gemm_copybn                                            \
+       : op == 'T' ? jex_blas_##p##gemm_copybt                                            \
+                   : jex_blas_##p##gemm_copybc)(&q.n, &q.k, &q.alpha, whole.b.data(),     \
+                                                whole.b.lda_address(), b);                \
+      jex_blas_##p##gemm_inner(&q.m, &q.n, &q.k, a, b, c, whole.c.lda_address());         \
+      whole.run(jex_blas_x##p##gemm);                                                     \
+      expect_model(whole.a, whole.b, whole.c);                                            \
+    }                                                                                     \
+  }
+JEX_TEST_PIECES(sc, float, jex_scomplex)
+JEX_TEST_PIECES(dz, double, jex_dcomplex)
+
 template <class T, class Entry>
 void check_nothing_read(Entry entry) {
   T* const nowhere = nullptr;
