@@ -21,7 +21,8 @@ struct Entry {
   }
 };
 
-/// The module's export of a dense routine ("ddot", "domatcopy"); empty when there is none.
+/// The module's export of a routine ("ddot", "domatcopy") or the commit of a transform ("zfft");
+/// empty when there is none.
 Entry module_entry(const std::string& routine);
 
 /// A library opened by its full path; its symbols stay its own.

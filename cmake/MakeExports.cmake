@@ -52,6 +52,8 @@ file(WRITE "${OUT}/include/jex/exports.h" "/**
 #ifndef JEX_EXPORTS_H
 #define JEX_EXPORTS_H
 
+#include <jex/dft.h>
+
 #include <stddef.h>
 
 #include <jex/types.h>

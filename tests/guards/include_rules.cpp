@@ -20,8 +20,9 @@ const std::vector<std::string> dense = {"simd",      "serv",        "blas/level1
 const std::map<std::string, std::set<std::string>> families = {
     {"spblas", {"blas/level1"}},
     {"spblas/csr", {"spblas", "blas/level1"}},
-    {"dft", {}},
-    {"pdett", {"dft"}},
+    {"dft/engine", {}},
+    {"dft/commit", {"dft/engine"}},
+    {"pdett", {"dft/engine", "dft/commit"}},
     {"pdepl", {"pdett"}},
     {"trans", {"blas/level1"}},
     {"xblas", {"blas/level1"}},

@@ -1,0 +1,185 @@
+// Transforms whose length the compiler knows: straight through the registers up to 32 where the
+// length has small factors, else two passes over a buffer on the stack. Their roots are constants.
+#pragma once
+
+#include "dft/engine/odd.h"
+#include "dft/engine/pass.h"
+
+namespace jex::dft {
+
+constexpr int longest_fixed = 64;         // every length from 2 up to here
+constexpr int longest_fixed_table = 128;  // and this one
+
+// y := scale times the transform of x; any alignment; the same array or two.
+template <class T>
+using FixedFunction = void (*)(const T* in, T* out, Real<T> scale);
+
+// Null where there is none.
+template <class T>
+FixedFunction<T> fixed_function(int n, Direction d);
+
+constexpr int largest_prime(int n) {
+  int largest = 1;
+  for (int d = 2; n > 1; ++d)
+    while (n % d == 0) n /= d, largest = d;
+  return largest;
+}
+
+// N = A B with the first pass of radix A: a large prime is the second, else both are near the
+// square root, A even if it can be.
+constexpr int first_radix(int n) {
+  const int prime = largest_prime(n);
+  if (prime > 13) return n / prime;
+  int best = 1;
+  for (int a = 2; a <= largest_kernel_radix; ++a) {
+    if (n % a || n / a > largest_kernel_radix) continue;
+    const auto badness = [n](int a) {
+      const int b = n / a;
+      return 2 * (a > b ? a - b : b - a) + 5 * (a % 2) + (a < b);
+    };
+    if (best == 1 || badness(a) < badness(best)) best = a;
+  }
+  return best;
+}
+
+// Pairs of registers for the roots w^(p k) of order N, k = 1 .. A - 1, in groups of neighbours p.
+template <int N, int A, class T>
+struct ConstantRoots {
+  static constexpr int group = Lanes<T>::count, lanes = Lanes<Real<T>>::count;
+  static constexpr int groups = (N / A + group - 1) / group;
+  alignas(16) Real<T> pair[groups * (A - 1) * 2 * lanes + 4];
+
+  constexpr ConstantRoots() : pair() {
+    Real<T>* at = pair;
+    for (int g = 0; g < groups; ++g)
+      for (int k = 1; k < A; ++k, at += 2 * lanes)
+        for (int e = 0; e < group; ++e) {
+          const Root w = constant_root((g * group + e) * k, N);
+          at[2 * e] = at[2 * e + 1] = Real<T>(w.c);
+          at[lanes + 2 * e] = Real<T>(w.s);
+          at[lanes + 2 * e + 1] = Real<T>(-w.s);
+        }
+  }
+};
+template <int N, int A, class T>
+inline constexpr ConstantRoots<N, A, T> constant_roots{};
+
+template <int R, class T>
+struct ConstantOdd {
+  static constexpr int h = R / 2, lanes = Lanes<Real<T>>::count;
+  alignas(16) Real<T> roots[R * 2 * lanes];
+  uint16_t offsets[h * h];
+
+  constexpr ConstantOdd() : roots(), offsets() {
+    for (int index = 0; index < R; ++index)
+      for (int i = 0; i < lanes; ++i) {
+        const Root w = constant_root(index, R);
+        roots[index * 2 * lanes + i] = Real<T>(w.c);
+        roots[index * 2 * lanes + lanes + i] = Real<T>(w.s);
+      }
+    for (int k = 0; k < h; ++k)
+      for (int j = 0; j < h; ++j)
+        offsets[k * h + j] = uint16_t((j + 1) * (k + 1) % R * 2 * lanes * int(sizeof(Real<T>)));
+  }
+};
+template <int R, class T>
+inline constexpr ConstantOdd<R, T> constant_odd{};
+
+template <int N, Direction d, class T>
+struct Fixed {
+  using V = Lanes<T>;
+  static constexpr int A = first_radix(N), B = N / A;
+  static constexpr bool straight = N <= 32 && largest_prime(N) <= 13;
+
+  static void run(const T* in, T* out, Real<T> scale) {
+    if constexpr (straight && V::count == 2 && N % 2 == 0)
+      run_halves(in, out, scale);
+    else if constexpr (straight)
+      Dft<N, d, T>::run([&](int j) JEX_INLINE { return V::load_first(in + j); },
+                        [&](int k, V y)
+                            JEX_INLINE { simd::scaled(y, scale).store_first(out + k); });
+    else
+      run_passes(in, out, scale);
+  }
+
+ private:
+  // Even and odd elements in the two lanes, then their butterflies.
+  static void run_halves(const T* in, T* out, Real<T> scale) {
+    constexpr int M = N / 2;
+    V half[M + 1];
+    Dft<M, d, T>::run([&](int j) JEX_INLINE { return V::load(in + 2 * j); },
+                      [&](int k, V y) JEX_INLINE { half[k] = simd::scaled(y, scale); });
+    half[M] = half[M - 1];
+    unrolled<(M + 1) / 2>([&](auto i) JEX_INLINE {
+      constexpr int k = 2 * i;
+      const V even = simd::first_column(half[k], half[k + 1]);
+      V odd = simd::second_column(half[k], half[k + 1]);
+      odd = simd::times_root<sign(d)>(odd, constant_roots<N, 2, T>.pair + i * 8);
+      if constexpr (k + 1 < M) {
+        (even + odd).store(out + k);
+        (even - odd).store(out + k + M);
+      } else {
+        (even + odd).store_first(out + k);
+        (even - odd).store_first(out + k + M);
+      }
+    });
+  }
+
+  static void run_passes(const T* in, T* out, Real<T> scale) {
+    alignas(64) T buffer[N];
+    const T* between = in;
+    Pass<T> pass{};
+    pass.c_count = pass.q_count = 1;
+    if constexpr (A > 1) {
+      pass.in = in;
+      pass.out = buffer;
+      pass.roots = constant_roots<N, A, T>.pair;
+      pass.p_count = B;
+      pass.in_k = B;
+      run_first<A, d>(pass);
+      between = buffer;
+    }
+    pass.in = between;
+    pass.out = out;
+    pass.scale = scale;
+    pass.radix = B;
+    pass.p_count = 1;
+    pass.c_count = pass.in_k = pass.out_k = A;
+    if constexpr (largest_prime(N) > 13) {
+      const OddTable odd{constant_odd<B, T>.offsets, constant_odd<B, T>.roots};
+      pass.odd = &odd;
+      run_odd_pass(pass, d, Kind::scaled);
+    } else {
+      run_pass<B, d, Kind::scaled>(pass);
+    }
+  }
+};
+
+// The functions of one element type and direction.
+template <class T>
+struct FixedTable {
+  FixedFunction<T> function[longest_fixed + 1];
+  FixedFunction<T> last;
+};
+template <class T, Direction d>
+const FixedTable<T>& fixed_table();
+
+template <class T, Direction d>
+constexpr FixedTable<T> make_fixed_table() {
+  FixedTable<T> table{};
+  [&]<int... n>(std::integer_sequence<int, n...>) {
+    ((table.function[n + 2] = Fixed<n + 2, d, T>::run), ...);
+  }
+  (std::make_integer_sequence<int, longest_fixed - 1>());
+  table.last = Fixed<longest_fixed_table, d, T>::run;
+  return table;
+}
+
+#define JEX_FIXED_TABLE(T, d)                                        \
+  template <>                                                        \
+  const FixedTable<T>& fixed_table<T, d>() {                         \
+    static constexpr FixedTable<T> table = make_fixed_table<T, d>(); \
+    return table;                                                    \
+  }
+
+}  // namespace jex::dft

@@ -1,0 +1,7 @@
+#include "dft/engine/fixed.h"
+
+namespace jex::dft {
+
+JEX_FIXED_TABLE(jex_scomplex, Direction::backward)
+
+}  // namespace jex::dft

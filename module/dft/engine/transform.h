@@ -1,0 +1,101 @@
+// A transform of one length as a list of passes, or, where the caches are too small for that, as
+// two such lists: n = n1 n2, the columns of an n1 x n2 matrix first, then its rows.
+//
+//        x, row by row             work: one row for each k1         y, row by row
+//      j2 = 0 .. n2-1              times w^(k1 j2)                   k1 = 0 .. n1-1
+//   j1 |  [n1-point, in    ]  ->   k1 |  [n2-point, in     ]  ->     k2 | y(k1 + n1 k2)
+//      |  [bundles of columns]         |  [bundles of rows  ]            |
+//
+// (D. H. Bailey, "FFTs in External or Hierarchical Memory", Journal of Supercomputing 4, 1990). A
+// bundle is as many columns as fill whole cache lines; its passes stay within buffers of its own.
+#pragma once
+
+#include "dft/engine/blocks.h"
+#include "dft/engine/factor.h"
+#include "dft/engine/odd.h"
+#include "dft/engine/pass.h"
+
+namespace jex::dft {
+
+template <class T>
+struct Stage {
+  int radix, before, rest;  // R, s, m of a pass
+  const Real<T>* roots;
+  OddTable odd;
+};
+
+// Passes for bundles of any width, or for one transform.
+template <class T>
+struct Passes {
+  int length, count;
+  bool has_first;  // the first pass is of that kind
+  Stage<T> stages[most_factors];
+};
+
+template <class T>
+struct Transform {
+  int length;
+  bool has_rows;
+  Passes<T> columns, rows;  // columns alone: the whole length
+  const T* twist;           // w^(k1 j2)
+  int bundle;               // columns, or rows, taken at a time
+};
+
+// A bundle is two cache lines wide at least. Longer columns touch a page for each element, so there
+// the bundle is as wide as the second-level cache allows for two buffers.
+template <class T>
+inline constexpr int narrow_bundle = 128 / sizeof(T);
+template <class T>
+constexpr int bundle_for(int longer) {
+  constexpr int most = 512 / sizeof(T), buffer = 262144 / sizeof(T);
+  const int width = longer < 512 ? 0 : buffer / longer / narrow_bundle<T> * narrow_bundle<T>;
+  return width < narrow_bundle<T> ? narrow_bundle<T> : width > most ? most : width;
+}
+
+// Order of the roots w^(k1 j2): row by row, or as the last pass over each bundle of columns meets
+// them.
+enum class TwistOrder { rows, passes };
+
+// Tables for n, or for n1 n2 as two levels, from blocks. The record is zero before. False when
+// there is no memory.
+template <class T>
+bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder order, Blocks& blocks);
+template <class T>
+bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks);
+
+// Elements of a bundle: element c of index j is at base[j * step + c].
+template <class E>
+struct View {
+  E* base;
+  ptrdiff_t step;
+};
+
+// The passes between in and out go from buffer to buffer, the first one to buffers[0], which must
+// not be in. The last one may work on the spot: out may be the buffer that it reads, or in where
+// the view is the same. With twist, whose length per bundle twist_elements() tells, the results are
+// multiplied by it.
+template <class T>
+void run_passes(const Passes<T>& passes, Direction d, Real<T> scale, View<const T> in, View<T> out,
+                int width, T* const (&buffers)[2], const T* twist = nullptr);
+
+// Elements of scratch memory that a run needs.
+template <class T>
+uint32_t scratch_elements(const Transform<T>& transform);
+
+template <class T>
+constexpr int rounded_width(int width) {
+  return (width + simd::Lanes<T>::count - 1) / simd::Lanes<T>::count * simd::Lanes<T>::count;
+}
+// Elements of the twist of a bundle of n-point columns.
+template <class T>
+constexpr ptrdiff_t twist_elements(int n, int width) {
+  return ptrdiff_t(n) * rounded_width<T>(width);
+}
+
+// y := scale times the transform of x, unit strides; in and out are the same or apart. The scratch
+// memory is on a 64-byte boundary.
+template <class T>
+void run_transform(const Transform<T>& transform, Direction d, const T* in, T* out, T* scratch,
+                   Real<T> scale);
+
+}  // namespace jex::dft

@@ -1,0 +1,157 @@
+// Tables of a transform.
+#include "dft/engine/roots.h"
+#include "dft/engine/transform.h"
+
+namespace jex::dft {
+
+namespace {
+
+// Below this, passes over the whole length are faster than two levels.
+template <class T>
+constexpr int32_t one_level = 49152 / sizeof(T);
+
+template <class T>
+constexpr int lanes = Lanes<Real<T>>::count;
+
+template <class T>
+void put_root(Real<T>* pair, int element, Root w) {
+  for (int part = 0; part < 2; ++part) {
+    pair[2 * element + part] = Real<T>(w.c);
+    pair[lanes<T> + 2 * element + part] = Real<T>(part ? -w.s : w.s);
+  }
+}
+
+template <class T>
+const Real<T>* make_roots(const Stage<T>& stage, bool is_first, const Roots& roots,
+                          Blocks& blocks) {
+  const int width = is_first ? Lanes<T>::count : 1;
+  const int groups = (stage.rest + width - 1) / width;
+  auto* table = blocks.take<Real<T>>(uint32_t(groups) * uint32_t(stage.radix - 1) * 2 * lanes<T>);
+  if (!table) return nullptr;
+  Real<T>* pair = table;
+  for (int group = 0; group < groups; ++group)
+    for (int k = 1; k < stage.radix; ++k, pair += 2 * lanes<T>)
+      for (int element = 0; element < Lanes<T>::count; ++element) {
+        int p = group * width + (is_first ? element : 0);
+        if (p >= stage.rest) p = 0;
+        put_root<T>(pair, element, roots(uint32_t(p) * k * stage.before));
+      }
+  return table;
+}
+
+template <class T>
+bool make_odd_table(OddTable& odd, int radix, Blocks& blocks) {
+  const int h = radix / 2;
+  constexpr int root_size = 2 * lanes<T>;
+  auto* offsets = blocks.take<uint16_t>(h * h);
+  auto* roots = blocks.take<Real<T>>(radix * root_size);
+  if (!offsets || !roots) return false;
+  for (int k = 1; k <= h; ++k)
+    for (int j = 1; j <= h; ++j) *offsets++ = uint16_t(j * k % radix * root_size * sizeof(Real<T>));
+  for (int index = 0; index < radix; ++index) {
+    const Root w = constant_root(index, radix);
+    for (int i = 0; i < lanes<T>; ++i) {
+      roots[index * root_size + i] = Real<T>(w.c);
+      roots[index * root_size + lanes<T> + i] = Real<T>(w.s);
+    }
+  }
+  odd = {offsets - h * h, roots};
+  return true;
+}
+
+template <class T>
+bool make_passes(Passes<T>& passes, int32_t n, bool single, Blocks& blocks) {
+  const Radices radices = choose_radices(n, single);
+  passes.length = n;
+  passes.count = radices.count;
+  Roots roots;
+  if (radices.count > 1 && !roots.make(n)) return false;
+  int32_t before = 1;
+  for (int i = 0; i < radices.count; ++i) {
+    Stage<T>& stage = passes.stages[i];
+    stage.radix = radices.radix[i];
+    stage.before = before;
+    before *= stage.radix;
+    stage.rest = n / before;
+    const bool is_first = single && i == 0 && stage.rest > 1 && stage.radix <= largest_kernel_radix;
+    if (is_first) passes.has_first = true;
+    if (stage.rest > 1) {
+      stage.roots = make_roots<T>(stage, is_first, roots, blocks);
+      if (!stage.roots) return false;
+    }
+    if (stage.radix <= largest_kernel_radix) continue;
+    for (int j = 0; j < i; ++j)
+      if (passes.stages[j].radix == stage.radix) stage.odd = passes.stages[j].odd;
+    if (!stage.odd.roots && !make_odd_table<T>(stage.odd, stage.radix, blocks)) return false;
+  }
+  return true;
+}
+
+template <class T>
+T element_of(Root w) {
+  return {Real<T>(w.c), Real<T>(-w.s)};
+}
+
+template <class T>
+bool make_twist_by_rows(Transform<T>& transform, const Roots& roots, Blocks& blocks) {
+  const uint32_t n1 = transform.columns.length, n2 = transform.rows.length;
+  T* twist = blocks.take<T>(n1 * n2);
+  if (!twist) return false;
+  transform.twist = twist;
+  for (uint32_t k = 0; k < n1; ++k)
+    for (uint32_t j = 0, index = 0; j < n2; ++j, index += k) *twist++ = element_of<T>(roots(index));
+  return true;
+}
+
+// In each bundle of columns, for each q, for each register of columns: results q + s k in turn.
+template <class T>
+bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& blocks) {
+  constexpr int lane_count = Lanes<T>::count;
+  const int n1 = transform.columns.length, n2 = transform.rows.length;
+  const Stage<T>& last = transform.columns.stages[transform.columns.count - 1];
+  T* twist = blocks.take<T>(uint32_t(n1) * rounded_width<T>(n2));
+  if (!twist) return false;
+  transform.twist = twist;
+  const int bundle = transform.bundle;
+  for (int first = 0; first < n2; first += bundle) {
+    const int end = first + bundle < n2 ? first + bundle : n2;
+    for (int q = 0; q < last.before; ++q)
+      for (int c = first; c < end; c += lane_count)
+        for (int k = 0; k < last.radix; ++k)
+          for (int e = 0; e < lane_count; ++e)
+            *twist++ =
+                c + e < end ? element_of<T>(roots(uint32_t(q + last.before * k) * (c + e))) : T{};
+  }
+  return true;
+}
+
+}  // namespace
+
+template <class T>
+bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder order,
+                 Blocks& blocks) {
+  transform.length = n1 * n2;
+  transform.has_rows = true;
+  transform.bundle = bundle_for<T>(n1 > n2 ? n1 : n2);
+  Roots roots;
+  return make_passes(transform.columns, n1, false, blocks) &&
+         make_passes(transform.rows, n2, false, blocks) && roots.make(n1 * n2) &&
+         (order == TwistOrder::rows ? make_twist_by_rows(transform, roots, blocks)
+                                    : make_twist_by_passes(transform, roots, blocks));
+}
+
+template <class T>
+bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks) {
+  const int32_t columns = n <= one_level<T> ? 1 : split_length(n);
+  if (columns >= narrow_bundle<T>)
+    return make_levels(transform, columns, n / columns, TwistOrder::passes, blocks);
+  transform.length = n;
+  return make_passes(transform.columns, n, true, blocks);
+}
+
+template bool make_levels(Transform<jex_dcomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
+template bool make_levels(Transform<jex_scomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
+template bool make_transform(Transform<jex_dcomplex>&, int32_t, Blocks&);
+template bool make_transform(Transform<jex_scomplex>&, int32_t, Blocks&);
+
+}  // namespace jex::dft
