@@ -47,9 +47,52 @@ void gemm(const Routine& r, const Entry& entry, Operands& v, long calls) {
     f(r.options, r.options + 1, &v.n, &v.n, &v.n, &one, v.a, &v.n, v.b, &v.n, &half, v.c, &v.n);
 }
 
-#define TYPE(t, letter, T)                                                        \
-  {#t "gemm", "NN", letter, 1, gemm<T>}, {#t "gemm", "TN", letter, 1, gemm<T>}, { \
-#t "gemm", "NT", letter, 1, gemm < T>                                         \
+// C := A A^T + C / 2
+template <class T>
+void syrk(const Routine& r, const Entry& entry, Operands& v, long calls) {
+  static const T one = real<T>(1), half = real<T>(0.5);
+  auto* f = entry.as<void(const char*, const char*, const jex_int*, const jex_int*, const T*,
+                          const void*, const jex_int*, const T*, void*, const jex_int*)>();
+  for (; calls > 0; --calls)
+    f(r.options, r.options + 1, &v.n, &v.n, &one, v.a, &v.n, &half, v.c, &v.n);
+}
+
+// C := A B + C / 2, A symmetric
+template <class T>
+void symm(const Routine& r, const Entry& entry, Operands& v, long calls) {
+  static const T one = real<T>(1), half = real<T>(0.5);
+  auto* f =
+      entry
+          .as<void(const char*, const char*, const jex_int*, const jex_int*, const T*, const void*,
+                   const jex_int*, const void*, const jex_int*, const T*, void*, const jex_int*)>();
+  for (; calls > 0; --calls)
+    f(r.options, r.options + 1, &v.n, &v.n, &one, v.a, &v.n, v.b, &v.n, &half, v.c, &v.n);
+}
+
+// trmm and trsm
+template <class T>
+void triangular(const Routine& r, const Entry& entry, Operands& v, long calls) {
+  static const T one = real<T>(1);
+  auto* f =
+      entry
+          .as<void(const char*, const char*, const char*, const char*, const jex_int*,
+                   const jex_int*, const T*, const void*, const jex_int*, void*, const jex_int*)>();
+  const char* o = r.options;
+  for (; calls > 0; --calls) {
+    std::memcpy(v.c, v.start, v.bytes);
+    f(o, o + 1, o + 2, o + 3, &v.n, &v.n, &one, v.a, &v.n, v.c, &v.n);
+  }
+}
+
+#define TYPE(t, letter, T)                                                                    \
+  {#t "gemm", "NN", letter, 1, gemm<T>}, {#t "gemm", "TN", letter, 1, gemm<T>},               \
+      {#t "gemm", "NT", letter, 1, gemm<T>}, {#t "syrk", "LN", letter, 0.5, syrk<T>},         \
+      {#t "syrk", "UT", letter, 0.5, syrk<T>}, {#t "symm", "LL", letter, 1, symm<T>},         \
+      {#t "symm", "RU", letter, 1, symm<T>}, {#t "trmm", "LLNN", letter, 0.5, triangular<T>}, \
+      {#t "trmm", "RUNN", letter, 0.5, triangular<T>},                                        \
+      {#t "trsm", "LLNN", letter, 0.5, triangular<T>},                                        \
+      {#t "trsm", "LUTN", letter, 0.5, triangular<T>}, {                                      \
+#t "trsm", "RUNN", letter, 0.5, triangular < T>                                           \
   }
 const Routine routines[] = {TYPE(s, 's', float),
                             TYPE(d, 'd', double),

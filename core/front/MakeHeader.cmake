@@ -54,6 +54,10 @@ enum { JEX_CBLAS_UPPER = 121, JEX_CBLAS_LOWER = 122 };
 typedef jex_int jex_cblas_diag;
 enum { JEX_CBLAS_NON_UNIT = 131, JEX_CBLAS_UNIT = 132 };
 
+/** @brief The side from which a C call multiplies by the symmetric or triangular matrix. */
+typedef jex_int jex_cblas_side;
+enum { JEX_CBLAS_LEFT = 141, JEX_CBLAS_RIGHT = 142 };
+
 ${prototypes}
 #ifdef __cplusplus
 }

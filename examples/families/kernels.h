@@ -47,6 +47,23 @@ struct Kernels {
   void trsv(const char* trans, jex_int n, const Vector& u, jex_int ldu, double* x) const {
     module.jex_blas_dtrsv("U", trans, "N", &n, u.data(), &ldu, x, &one);
   }
+
+  // C := alpha A A' + beta C ("N", A is n x k) or alpha A'A + beta C, in the lower triangle.
+  void syrk(const char* trans, jex_int n, jex_int k, double alpha, const double* a, jex_int lda,
+            double beta, double* c, jex_int ldc) const {
+    module.jex_blas_xdsyrk("L", trans, &n, &k, &alpha, a, &lda, &beta, c, &ldc);
+  }
+  // B := B inverse(L'), B m x n, L and B with one leading dimension.
+  void trsm(jex_int m, jex_int n, const double* l, double* b, jex_int ld) const {
+    const double unit = 1;
+    module.jex_blas_xdtrsm("R", "L", "T", "N", &m, &n, &unit, l, &ld, b, &ld);
+  }
+  // The lower triangle becomes L; the number of the minor that is not positive definite, or 0.
+  jex_int potrf(jex_int n, double* a, jex_int lda) const {
+    jex_int info;
+    module.jex_blas_dpotrf_l_small(&n, a, &lda, &info);
+    return info;
+  }
 };
 
 }  // namespace jex::tour

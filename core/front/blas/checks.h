@@ -22,6 +22,11 @@ inline bool diag(const char* word) { return option(word) != 'U' && option(word) 
 inline bool trans(const char* word) {
   return option(word) != 'N' && option(word) != 'T' && option(word) != 'C';
 }
+inline bool side(const char* word) { return option(word) != 'L' && option(word) != 'R'; }
+// N or the one letter of the transpose; for real types both letters of it.
+inline bool trans_of_update(const char* word, char mirror) {
+  return mirror == '*' ? trans(word) : option(word) != 'N' && option(word) != mirror;
+}
 inline bool lda(jex_int lda, int64_t rows) { return lda < std::max<int64_t>(1, rows); }
 
 inline jex_int gemv(const char* trans, jex_int m, jex_int n, jex_int lda, jex_int incx,
@@ -153,6 +158,59 @@ inline jex_int gemm(const char* transa, const char* transb, jex_int m, jex_int n
          : wrong::lda(ldb, plain_b ? k : n) ? 10
          : wrong::lda(ldc, m)               ? 13
                                             : 0;
+}
+
+// symm and hemm.
+inline jex_int symm(const char* side, const char* uplo, jex_int m, jex_int n, jex_int lda,
+                    jex_int ldb, jex_int ldc) {
+  return wrong::side(side)                              ? 1
+         : wrong::uplo(uplo)                            ? 2
+         : m < 0                                        ? 3
+         : n < 0                                        ? 4
+         : wrong::lda(lda, option(side) == 'L' ? m : n) ? 7
+         : wrong::lda(ldb, m)                           ? 9
+         : wrong::lda(ldc, m)                           ? 12
+                                                        : 0;
+}
+
+// syrk and herk; mirror is the letter of the transpose, * for both.
+inline jex_int syrk(char mirror, const char* uplo, const char* trans, jex_int n, jex_int k,
+                    jex_int lda, jex_int ldc) {
+  return wrong::uplo(uplo)                               ? 1
+         : wrong::trans_of_update(trans, mirror)         ? 2
+         : n < 0                                         ? 3
+         : k < 0                                         ? 4
+         : wrong::lda(lda, option(trans) == 'N' ? n : k) ? 7
+         : wrong::lda(ldc, n)                            ? 10
+                                                         : 0;
+}
+
+// syr2k and her2k.
+inline jex_int syr2k(char mirror, const char* uplo, const char* trans, jex_int n, jex_int k,
+                     jex_int lda, jex_int ldb, jex_int ldc) {
+  const jex_int rows = option(trans) == 'N' ? n : k;
+  return wrong::uplo(uplo)                       ? 1
+         : wrong::trans_of_update(trans, mirror) ? 2
+         : n < 0                                 ? 3
+         : k < 0                                 ? 4
+         : wrong::lda(lda, rows)                 ? 7
+         : wrong::lda(ldb, rows)                 ? 9
+         : wrong::lda(ldc, n)                    ? 12
+                                                 : 0;
+}
+
+// trmm and trsm.
+inline jex_int trmm(const char* side, const char* uplo, const char* transa, const char* diag,
+                    jex_int m, jex_int n, jex_int lda, jex_int ldb) {
+  return wrong::side(side)                              ? 1
+         : wrong::uplo(uplo)                            ? 2
+         : wrong::trans(transa)                         ? 3
+         : wrong::diag(diag)                            ? 4
+         : m < 0                                        ? 5
+         : n < 0                                        ? 6
+         : wrong::lda(lda, option(side) == 'L' ? m : n) ? 9
+         : wrong::lda(ldb, m)                           ? 11
+                                                        : 0;
 }
 
 }  // namespace wrong

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "front/blas/checks.h"
+#include "front/blas/conjugate.h"
 #include "front/blas/request.h"
 #include "threads/threads.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stddef.h>
 #include <utility>
 
@@ -65,6 +67,184 @@ void c_gemm(Kernel kernel, Request request, jex_cblas_transpose transa, jex_cbla
   }
   if (request.refused(wrong::gemm(&op_a, &op_b, m, n, k, lda, ldb, ldc))) return;
   gemm(kernel, op_a, op_b, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+}
+
+// symm and hemm. Shares are cut across what A multiplies: columns of B from the left, rows from the
+// right.
+template <class T, class Kernel>
+void symm(Kernel kernel, char side, char uplo, jex_int m, jex_int n, const T* alpha, const T* a,
+          jex_int lda, const T* b, jex_int ldb, const T* beta, T* c, jex_int ldc) {
+  const bool left = option(&side) == 'L';
+  const Shares shares(left ? n : m, 48, 2.0 * m * n * (left ? m : n) * sizeof(T) / sizeof(double));
+  in_parallel(shares.parts(), [&](jex_int part) {
+    const jex_int begin = shares.begin(part), count = shares.count(part);
+    const T* const own_b = b + begin * ptrdiff_t(left ? ldb : 1);
+    T* const own_c = c + begin * ptrdiff_t(left ? ldc : 1);
+    kernel(&side, &uplo, left ? &m : &count, left ? &count : &n, alpha, a, &lda, own_b, &ldb, beta,
+           own_c, &ldc);
+  });
+}
+
+template <class T, class Kernel>
+void c_symm(Kernel kernel, Request request, jex_cblas_side side, jex_cblas_uplo uplo, jex_int m,
+            jex_int n, const T* alpha, const T* a, jex_int lda, const T* b, jex_int ldb,
+            const T* beta, T* c, jex_int ldc) {
+  const char from = request.side(2, side), up = request.uplo(3, uplo);
+  if (request.row()) std::swap(m, n);
+  if (request.refused(wrong::symm(&from, &up, m, n, lda, ldb, ldc))) return;
+  symm(kernel, from, up, m, n, alpha, a, lda, b, ldb, beta, c, ldc);
+}
+
+// trmm and trsm: the right-hand sides are shared.
+template <class T, class Kernel>
+void trmm(Kernel kernel, char side, char uplo, char transa, char diag, jex_int m, jex_int n,
+          const T* alpha, const T* a, jex_int lda, T* b, jex_int ldb) {
+  const bool left = option(&side) == 'L';
+  const Shares shares(left ? n : m, 48, 1.0 * m * n * (left ? m : n) * sizeof(T) / sizeof(double));
+  in_parallel(shares.parts(), [&](jex_int part) {
+    const jex_int begin = shares.begin(part), count = shares.count(part);
+    kernel(&side, &uplo, &transa, &diag, left ? &m : &count, left ? &count : &n, alpha, a, &lda,
+           b + begin * ptrdiff_t(left ? ldb : 1), &ldb);
+  });
+}
+
+template <class T, class Kernel>
+void c_trmm(Kernel kernel, Request request, jex_cblas_side side, jex_cblas_uplo uplo,
+            jex_cblas_transpose trans, jex_cblas_diag diag, jex_int m, jex_int n, const T* alpha,
+            const T* a, jex_int lda, T* b, jex_int ldb) {
+  const char from = request.side(2, side), up = request.uplo(3, uplo),
+             op = request.trans_of_factor(4, "TransA", trans), unit = request.diag(5, diag);
+  if (request.row()) std::swap(m, n);
+  if (request.refused(wrong::trmm(&from, &up, &op, &unit, m, n, lda, ldb))) return;
+  trmm(kernel, from, up, op, unit, m, n, alpha, a, lda, b, ldb);
+}
+
+// A rank-k or rank-2k update in strips of C from one edge to the diagonal. A strip is an update of
+// its own, update(first, count, beta), and a rectangle, rectangle(rows from, rows, columns from,
+// columns), the only part of C that the kernel would cut in another way: strips end where its
+// blocks do, and the last one holds the last whole block, so that every element is summed alike.
+// Strips of equal area end at the square roots of equal shares.
+template <class Update, class Rectangle>
+void in_strips(bool upper, jex_int n, double operations, Update update, Rectangle rectangle) {
+  constexpr jex_int block = 64;
+  const Shares shares(n, block, operations);
+  const jex_int parts = shares.parts();
+  const auto edge = [&](jex_int part) {
+    if (part == parts) return n;
+    const double share = double(part) / parts;
+    const double width = n * (upper ? std::sqrt(share) : 1 - std::sqrt(1 - share));
+    return std::clamp(jex_int(width / block) * block, 0, n / block * block - block);
+  };
+  in_parallel(parts, [&](jex_int part) {
+    const jex_int from = edge(part), to = edge(part + 1), count = to - from;
+    if (count == 0) return;
+    update(from, count);
+    if (upper && from > 0) rectangle(0, from, from, count);
+    if (!upper && to < n) rectangle(to, n - to, from, count);
+  });
+}
+
+// Row i of op(A) where A is n x k, or the transpose of that.
+template <class T>
+const T* row_of(const T* a, jex_int lda, char trans, jex_int i) {
+  return a + (option(&trans) == 'N' ? ptrdiff_t(i) : ptrdiff_t(i) * lda);
+}
+
+template <class T, class S>
+T as_element(S alpha) {
+  if constexpr (std::is_same_v<T, S> || std::is_floating_point_v<T>)
+    return T(alpha);
+  else
+    return {decltype(T::re)(alpha), 0};
+}
+
+template <class T>
+bool is_none(T a) {
+  if constexpr (is_complex<T>)
+    return is_zero(a);
+  else
+    return a == 0;
+}
+
+// syrk and herk (mirror C). With several strips, C is scaled first.
+template <class T, class S, class Kernel, class Gemm>
+void syrk(Kernel kernel, Gemm multiply, char mirror, char uplo, char trans, jex_int n, jex_int k,
+          const S* alpha, const T* a, jex_int lda, const S* beta, T* c, jex_int ldc) {
+  const bool upper = option(&uplo) == 'U', plain = option(&trans) == 'N';
+  const double operations = 1.0 * n * n * k * sizeof(T) / sizeof(double);
+  if (Shares(n, 64, operations).parts() == 1)
+    return kernel(&uplo, &trans, &n, &k, alpha, a, &lda, beta, c, &ldc);
+  const S none{}, one = as_element<S>(1);
+  kernel(&uplo, &trans, &n, &k, &none, a, &lda, beta, c, &ldc);
+  if (is_none(*alpha)) return;
+  const char transpose = mirror == 'C' ? 'C' : 'T', first = plain ? 'N' : transpose,
+             second = plain ? transpose : 'N';
+  const T factor = as_element<T>(*alpha), unit = as_element<T>(1);
+  in_strips(
+      upper, n, operations,
+      [&](jex_int i, jex_int count) {
+        kernel(&uplo, &trans, &count, &k, alpha, row_of(a, lda, trans, i), &lda, &one,
+               c + i + ptrdiff_t(i) * ldc, &ldc);
+      },
+      [&](jex_int i, jex_int rows, jex_int j, jex_int columns) {
+        multiply(&first, &second, &rows, &columns, &k, &factor, row_of(a, lda, trans, i), &lda,
+                 row_of(a, lda, trans, j), &lda, &unit, c + i + ptrdiff_t(j) * ldc, &ldc);
+      });
+}
+
+template <class T, class S, class Kernel, class Gemm>
+void c_syrk(Kernel kernel, Gemm multiply, char mirror, Request request, jex_cblas_uplo uplo,
+            jex_cblas_transpose trans, jex_int n, jex_int k, const S* alpha, const T* a,
+            jex_int lda, const S* beta, T* c, jex_int ldc) {
+  const char up = request.uplo(2, uplo), op = request.trans_of_update(3, trans, mirror);
+  if (request.refused(wrong::syrk(mirror, &up, &op, n, k, lda, ldc))) return;
+  syrk(kernel, multiply, mirror, up, op, n, k, alpha, a, lda, beta, c, ldc);
+}
+
+// syr2k and her2k.
+template <class T, class S, class Kernel, class Gemm>
+void syr2k(Kernel kernel, Gemm multiply, char mirror, char uplo, char trans, jex_int n, jex_int k,
+           const T* alpha, const T* a, jex_int lda, const T* b, jex_int ldb, const S* beta, T* c,
+           jex_int ldc) {
+  const bool upper = option(&uplo) == 'U', plain = option(&trans) == 'N';
+  const double operations = 2.0 * n * n * k * sizeof(T) / sizeof(double);
+  if (Shares(n, 64, operations).parts() == 1)
+    return kernel(&uplo, &trans, &n, &k, alpha, a, &lda, b, &ldb, beta, c, &ldc);
+  const T none{}, unit = as_element<T>(1);
+  const S one = as_element<S>(1);
+  kernel(&uplo, &trans, &n, &k, &none, a, &lda, b, &ldb, beta, c, &ldc);
+  if (is_none(*alpha)) return;
+  const char transpose = mirror == 'C' ? 'C' : 'T', first = plain ? 'N' : transpose,
+             second = plain ? transpose : 'N';
+  T mirrored = *alpha;
+  if constexpr (is_complex<T>)
+    if (mirror == 'C') mirrored = conj(mirrored);
+  in_strips(
+      upper, n, operations,
+      [&](jex_int i, jex_int count) {
+        kernel(&uplo, &trans, &count, &k, alpha, row_of(a, lda, trans, i), &lda,
+               row_of(b, ldb, trans, i), &ldb, &one, c + i + ptrdiff_t(i) * ldc, &ldc);
+      },
+      [&](jex_int i, jex_int rows, jex_int j, jex_int columns) {
+        T* const to = c + i + ptrdiff_t(j) * ldc;
+        multiply(&first, &second, &rows, &columns, &k, alpha, row_of(a, lda, trans, i), &lda,
+                 row_of(b, ldb, trans, j), &ldb, &unit, to, &ldc);
+        multiply(&first, &second, &rows, &columns, &k, &mirrored, row_of(b, ldb, trans, i), &ldb,
+                 row_of(a, lda, trans, j), &lda, &unit, to, &ldc);
+      });
+}
+
+// Seen by columns, the terms of a row-major Hermitian update change places: so does the conjugate.
+template <class T, class S, class Kernel, class Gemm>
+void c_syr2k(Kernel kernel, Gemm multiply, char mirror, Request request, jex_cblas_uplo uplo,
+             jex_cblas_transpose trans, jex_int n, jex_int k, const T* alpha, const T* a,
+             jex_int lda, const T* b, jex_int ldb, const S* beta, T* c, jex_int ldc) {
+  const char up = request.uplo(2, uplo), op = request.trans_of_update(3, trans, mirror);
+  if (request.refused(wrong::syr2k(mirror, &up, &op, n, k, lda, ldb, ldc))) return;
+  T factor = *alpha;
+  if constexpr (is_complex<T>)
+    if (mirror == 'C' && request.row()) factor = conj(factor);
+  syr2k(kernel, multiply, mirror, up, op, n, k, &factor, a, lda, b, ldb, beta, c, ldc);
 }
 
 }  // namespace jex::front

@@ -42,6 +42,22 @@ class Request {
     return trans == JEX_CBLAS_CONJ_TRANS ? 'C' : refuse(position, which, trans);
   }
 
+  // The operation of a rank-k update, N or the one with the letter mirror (* for both transposes):
+  // the result seen by columns is that of the other operation on the transposed factor.
+  char trans_of_update(jex_int position, jex_cblas_transpose trans, char mirror) {
+    const char transpose = mirror == '*' ? 'T' : mirror;
+    if (trans == JEX_CBLAS_NO_TRANS) return row_ ? transpose : 'N';
+    if (trans == JEX_CBLAS_TRANS ? mirror != 'C' : trans == JEX_CBLAS_CONJ_TRANS && mirror != 'T')
+      return row_ ? 'N' : transpose;
+    return refuse(position, "Trans", trans);
+  }
+  // The side from which columns show the multiplication.
+  char side(jex_int position, jex_cblas_side side) {
+    if (side == JEX_CBLAS_LEFT) return row_ ? 'R' : 'L';
+    if (side == JEX_CBLAS_RIGHT) return row_ ? 'L' : 'R';
+    return refuse(position, "Side", side);
+  }
+
   char diag(jex_int position, jex_cblas_diag diag) {
     if (diag == JEX_CBLAS_UNIT) return 'U';
     if (diag == JEX_CBLAS_NON_UNIT) return 'N';

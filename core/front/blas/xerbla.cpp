@@ -33,12 +33,15 @@ struct Exchange {
 };
 constexpr Exchange exchanges[] = {
     {"gemv", 3, 4}, {"gbmv", 3, 4}, {"gbmv", 5, 6}, {"ger", 2, 3},   {"ger", 6, 8},
-    {"her2", 6, 8}, {"hpr2", 6, 8}, {"gemm", 4, 5}, {"gemm", 9, 11},
+    {"her2", 6, 8}, {"hpr2", 6, 8}, {"gemm", 4, 5}, {"gemm", 9, 11}, {"symm", 4, 5},
+    {"hemm", 4, 5}, {"trmm", 6, 7}, {"trsm", 6, 7},
 };
 
 jex_int as_the_caller_counts(const char* entry, jex_int position) {
   for (const auto& [routine, first, second] : exchanges) {
-    if (!strstr(entry, routine)) continue;
+    // her2 is not her2k, whose arguments stay where they are.
+    const char* const found = strstr(entry, routine);
+    if (!found || found[strlen(routine)] == 'k') continue;
     if (position == first) return second;
     if (position == second) return first;
   }

@@ -43,10 +43,10 @@ struct SmallWalk {
   using R = Real<T>;
   static constexpr int parts = is_complex<T> ? 2 : 1;
 
+  // Complex sums stay apart by the parts of b: they are added to C one after the other.
   template <int columns, class Load>
   [[gnu::always_inline]] void sum(const T* a, const R* b, Load load,
-                                  Lanes<T> (&result)[columns]) const {
-    Lanes<R> sum[columns * parts];
+                                  Lanes<R> (&sum)[columns * parts]) const {
     unrolled<columns * parts>([&](auto k)
                                   __attribute__((always_inline)) { sum[k] = Lanes<R>::zero(); });
     for (int p = steps; p > 0; --p, a += next, b += b_row) {
@@ -64,15 +64,11 @@ struct SmallWalk {
                    pinned(Lanes<R>::load_all(b + (k / parts) * b_column + k % parts)) * row);
       });
     }
-    unrolled<columns>([&](auto k) __attribute__((always_inline)) {
-      if constexpr (is_complex<T>) {
-        Lanes<R> im = sum[2 * k + 1];
-        if (conjugates_b) im = Lanes<R>::zero() - im;
-        result[k] = {add_i_times(sum[2 * k], swap_parts(im))};
-      } else {
-        result[k] = sum[k];
-      }
-    });
+    if constexpr (is_complex<T>)
+      if (conjugates_b)
+        unrolled<columns>([&](auto k) __attribute__((always_inline)) {
+          sum[2 * k + 1] = Lanes<R>::zero() - sum[2 * k + 1];
+        });
   }
 };
 
@@ -87,19 +83,22 @@ template <int columns, First first, bool contiguous, class T>
   const T* a = q.a.x;
   const Real<T>* const b = reinterpret_cast<const Real<T>*>(q.b.from(0, j).x);
   T* c = q.c + j * ldc;
-  L sum[columns];
+  Lanes<Real<T>> sum[columns * walk.parts];
   const auto store = [&](auto load_c, auto store_c) __attribute__((always_inline)) {
     unrolled<columns>([&](auto k) __attribute__((always_inline)) {
       T* const to = c + k * ldc;
-      L v = sum[k];
-      if constexpr (first == First::accumulate) v = load_c(to) + v;
-      if constexpr (first == First::general) v = v + load_c(to) * Factor<T>(beta);
-      store_c(v, to);
+      L old = L::zero();
+      if constexpr (first != First::overwrite) old = load_c(to);
+      if constexpr (first == First::general) old = old * Factor<T>(beta);
+      if constexpr (is_complex<T>)
+        store_c({add_i_times(old.parts + sum[2 * k], swap_parts(sum[2 * k + 1]))}, to);
+      else
+        store_c(first == First::overwrite ? sum[k] : old + sum[k], to);
     });
   };
   int left = q.rows;
   for (; left >= height; left -= height, a += height * inc, c += height) {
-    walk.sum(
+    walk.template sum<columns>(
         a, b,
         [=](const T* a)
             __attribute__((always_inline)) { return contiguous ? L::load(a) : L::gather(a, inc); },
@@ -107,7 +106,7 @@ template <int columns, First first, bool contiguous, class T>
     store([](const T* c) { return L::load(c); }, [](L v, T* c) { v.store(c); });
   }
   for (; left > 0; --left, a += inc, ++c) {
-    walk.sum(
+    walk.template sum<columns>(
         a, b, [](const T* a) __attribute__((always_inline)) { return L::load_first(a); }, sum);
     store([](const T* c) { return L::load_first(c); }, [](L v, T* c) { v.store_first(c); });
   }

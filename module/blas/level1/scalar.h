@@ -11,6 +11,14 @@
 namespace jex::blas {
 
 template <class T>
+constexpr T real_element(Real<T> a) {
+  if constexpr (is_complex<T>)
+    return {a, 0};
+  else
+    return a;
+}
+
+template <class T>
 [[gnu::always_inline]] inline T add(T a, T b) {
   if constexpr (is_complex<T>)
     return {a.re + b.re, a.im + b.im};

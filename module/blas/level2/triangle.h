@@ -87,9 +87,9 @@ struct Group {
 
 // The rows beside a group that all its columns hold, without the skipped ones next to the corner.
 template <template <Uplo, class> class Storage, Uplo uplo, class T>
-struct Beside {
+struct GroupBeside {
   int first, last;  // last is one behind
-  Beside(Storage<uplo, const T> a, int j, int width, int skipped)
+  GroupBeside(Storage<uplo, const T> a, int j, int width, int skipped)
       : first(uplo == Uplo::upper ? a.begin(j + width - 1) : j + width + skipped),
         last(uplo == Uplo::upper ? j - skipped : a.end(j)) {}
 };
@@ -117,7 +117,7 @@ template <bool conj, class T>
 // lower one c of them, as far as the matrix goes.
 template <int width, template <Uplo, class> class Storage, Uplo uplo, class T, class Body>
 [[gnu::always_inline]] inline void for_ragged(Storage<uplo, const T> a,
-                                              Beside<Storage, uplo, T> beside, Body body) {
+                                              GroupBeside<Storage, uplo, T> beside, Body body) {
   if constexpr (std::is_same_v<Storage<uplo, T>, BandTriangle<uplo, T>>)
     unrolled<width>([&](auto c) __attribute__((always_inline)) {
       unrolled<uplo == Uplo::upper ? width - 1 - c : c>([&](auto k) __attribute__((always_inline)) {
@@ -132,7 +132,7 @@ template <template <Uplo, class> class Storage, Uplo uplo, class T, class X, int
 [[gnu::always_inline]] inline void update_beside(Storage<uplo, const T> a,
                                                  const Group<T, width>& group, X x,
                                                  const T (&t)[width], int skipped = 0) {
-  const Beside<Storage, uplo, T> beside(a, group.j, width, skipped);
+  const GroupBeside<Storage, uplo, T> beside(a, group.j, width, skipped);
   const int n = beside.last - beside.first;
   if constexpr (X::unit) {
     for_ragged<width>(
@@ -155,7 +155,7 @@ template <Op op, template <Uplo, class> class Storage, Uplo uplo, class T, class
                                               const Group<T, width>& group, X x, T (&total)[width],
                                               int skipped = 0) {
   constexpr bool conj = op == Op::conj_transpose;
-  const Beside<Storage, uplo, T> beside(a, group.j, width, skipped);
+  const GroupBeside<Storage, uplo, T> beside(a, group.j, width, skipped);
   const int n = beside.last - beside.first;
   if constexpr (X::unit) {
     const T* column[width];

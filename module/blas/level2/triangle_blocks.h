@@ -39,14 +39,6 @@ template <int block, Uplo uplo, class T, class Kernel>
     for (int i = 0; i < width; ++i) x[j + i] = copy[i];
 }
 
-template <class T>
-inline T real_element(Real<T> a) {
-  if constexpr (is_complex<T>)
-    return {a, 0};
-  else
-    return a;
-}
-
 // A itself: x(rows beside the block) += sign rectangle x(block).
 // Transposed: x(block) += sign op(rectangle) x(rows beside the block).
 template <Op op, Uplo uplo, class T>

@@ -1,0 +1,139 @@
+// The lane kernels of trsm and trmm: x := x inverse(U) and x := x U for a lane of right-hand sides,
+// over the factors of triangle_factors.h. x holds one register for each unknown, up to whole
+// groups.
+#pragma once
+
+#include "blas/level3/triangle_factors.h"
+
+namespace jex::blas {
+
+// sum[k] += x[p] factor(p, k) for the unknowns p of `rows` whole groups.
+template <class T>
+[[gnu::always_inline]] inline void add_rows(Lanes<Real<T>> (&sum)[real_columns], const Real<T>* x,
+                                            const Real<T>* factors, int groups) {
+  using L = Lanes<Real<T>>;
+  constexpr int width = group_columns<T>;
+  Lanes<Real<T>> s[real_columns];
+  unrolled<real_columns>([&](auto k) __attribute__((always_inline)) { s[k] = pinned(sum[k]); });
+  for (; groups > 0; --groups)
+    unrolled<width>([&](auto) __attribute__((always_inline)) {
+      const L lane = pinned(L::load_aligned(x));
+      unrolled<real_columns>([&](auto k) __attribute__((always_inline)) {
+        accumulate_product(s[k], lane, factors + k * L::count);
+      });
+      x += L::count;
+      factors += group_row<T>;
+    });
+  unrolled<real_columns>([&](auto k) __attribute__((always_inline)) { sum[k] = s[k]; });
+}
+
+// x times the factor of column c in a row of a group.
+template <class T, int c>
+[[gnu::always_inline]] inline Lanes<T> times_factor(Lanes<T> x, const Real<T>* row) {
+  using L = Lanes<Real<T>>;
+  if constexpr (is_complex<T>) {
+    const L re = x.parts * L::load_aligned(row + 2 * c * L::count);
+    const L im = x.parts * L::load_aligned(row + (2 * c + 1) * L::count);
+    return {add_i_times(re, swap_parts(im))};
+  } else {
+    return x * L::load_aligned(row + c * L::count);
+  }
+}
+
+// Column c of the sums of a group.
+template <class T, int c>
+[[gnu::always_inline]] inline Lanes<T> column_of(const Lanes<Real<T>> (&sum)[real_columns]) {
+  if constexpr (is_complex<T>)
+    return {add_i_times(sum[2 * c], swap_parts(sum[2 * c + 1]))};
+  else
+    return sum[c];
+}
+
+template <class T>
+[[gnu::always_inline]] inline Lanes<T> lane_at(const Real<T>* x, int c) {
+  const auto parts = Lanes<Real<T>>::load_aligned(x + c * Lanes<Real<T>>::count);
+  if constexpr (is_complex<T>)
+    return {parts};
+  else
+    return parts;
+}
+template <class T>
+[[gnu::always_inline]] inline void put_lane(Real<T>* x, int c, Lanes<T> v) {
+  x += c * Lanes<Real<T>>::count;
+  if constexpr (is_complex<T>)
+    v.parts.store(x);
+  else
+    v.store(x);
+}
+
+// From the first unknown on: what the unknowns before the group contribute is one sum, taken off at
+// once; the corner follows unknown by unknown. The diagonal holds reciprocals.
+struct SolveLane {
+  template <class T>
+  static void pack(const Triangular<T>& t, T, Real<T>* factors) {
+    pack_triangle(
+        t, factors, [](T u) { return u; }, [](T u) { return quotient(one_of<T>, u); });
+  }
+  template <class T>
+  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* factors, int groups) {
+    constexpr int width = group_columns<T>, row = group_row<T>;
+    for (int g = 0; g < groups; ++g) {
+      Lanes<Real<T>> sum[real_columns];
+      unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
+      add_rows<T>(sum, x, factors, g);
+      factors += g * width * row;
+      Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
+      Lanes<T> v[width];
+      unrolled<width>([&](auto c) __attribute__((always_inline)) {
+        v[c] = lane_at<T>(own, c) - column_of<T, c>(sum);
+      });
+      unrolled<width>([&](auto r) __attribute__((always_inline)) {
+        v[r] = times_factor<T, r>(v[r], factors + r * row);
+        put_lane<T>(own, r, v[r]);
+        unrolled<width - 1 - r>([&](auto after) __attribute__((always_inline)) {
+          constexpr int c = r + 1 + after;
+          v[c] = v[c] - times_factor<T, c>(v[r], factors + r * row);
+        });
+      });
+      factors += width * row;
+    }
+  }
+};
+
+// From the last group on, so that the unknowns before it still have their old values. Each result
+// is one sum from the first unknown to its own.
+struct MultiplyLane {
+  template <class T>
+  static void pack(const Triangular<T>& t, T alpha, Real<T>* factors) {
+    const auto scaled = [=](T u) { return multiply(alpha, u); };
+    const auto same = [](T u) { return u; };
+    if (is_one(alpha))
+      pack_triangle(t, factors, same, same);
+    else
+      pack_triangle(t, factors, scaled, scaled);
+  }
+  template <class T>
+  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* factors, int groups) {
+    constexpr int width = group_columns<T>, row = group_row<T>;
+    for (int g = groups - 1; g >= 0; --g) {
+      const Real<T>* const rows = factors + factors_before<T>(g);
+      Lanes<Real<T>> sum[real_columns];
+      unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
+      add_rows<T>(sum, x, rows, g);
+      Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
+      const Real<T>* const corner = rows + g * width * row;
+      Lanes<T> v[width];
+      unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = column_of<T, c>(sum); });
+      unrolled<width>([&](auto r) __attribute__((always_inline)) {
+        const Lanes<T> old = lane_at<T>(own, r);
+        unrolled<width - r>([&](auto after) __attribute__((always_inline)) {
+          constexpr int c = r + after;
+          v[c] = v[c] + times_factor<T, c>(old, corner + r * row);
+        });
+      });
+      unrolled<width>([&](auto c) __attribute__((always_inline)) { put_lane<T>(own, c, v[c]); });
+    }
+  }
+};
+
+}  // namespace jex::blas

@@ -1,0 +1,187 @@
+// trsm, B := alpha inverse(op(A)) B or alpha B inverse(op(A)), and trmm, B := alpha op(A) B or
+// alpha B op(A), in place.
+//
+// Both walk the triangle in blocks. Beside a block stands one rectangle, the part of op(A) that
+// ties its unknowns to those that it has an effect on:
+//
+//   solve      block first, then  rest := rest - block * rectangle     from the unknowns that
+//                                                                      stand alone
+//   product    rest := rest + alpha block * rectangle, then the block  the other way round
+#pragma once
+
+#include "blas/level3/triangle_lanes.h"
+
+namespace jex::blas {
+
+// Unknowns of a block on the diagonal, and right-hand sides that are taken through it together.
+// What is left behind the last panel goes with it if it is narrow: for a few columns the multiply
+// adds in another order, and a call that is shared by threads would then show it.
+inline constexpr int triangle_block = 256;
+inline constexpr int vector_panel = 1024;
+inline constexpr int narrow_panel = 48;
+
+// Up to this order a triangle goes to the lane kernel: its factors, a register each, stay in half
+// of the first-level cache.
+template <class T>
+inline constexpr int lane_order = is_complex<T> ? 16 : 32;
+
+struct Solve {
+  using Lane = SolveLane;
+  static constexpr bool block_first = true;
+};
+struct Multiply {
+  using Lane = MultiplyLane;
+  static constexpr bool block_first = false;
+};
+
+// B(to ..) += alpha rectangle B(from ..)
+template <class T>
+void couple(const Triangular<T>& t, T alpha, int from, int count, int to, int rest) {
+  if (rest == 0) return;
+  const Operand<T> known{t.unknown(from), t.ldb, Op::none};
+  if (t.is_left())
+    product(rest, t.vectors, count, alpha, t.a.from(to, from), known, one_of<T>, t.unknown(to),
+            t.ldb);
+  else
+    product(t.vectors, rest, count, alpha, known, t.a.from(from, to), one_of<T>, t.unknown(to),
+            t.ldb);
+}
+
+// The right-hand sides of a lane, in and out of its registers. A lane that is not full has zeros.
+template <class T>
+struct LaneOfVectors {
+  static constexpr int count = Lanes<T>::count;
+  T* b;
+  ptrdiff_t to_unknown, to_vector;
+  int order, vectors;
+
+  [[gnu::always_inline]] void load(Real<T>* x) const {
+    const T* p = b;
+    for (int i = 0; i < order; ++i, p += to_unknown) {
+      if (vectors == count) {
+        put_lane<T>(x, i, to_vector == 1 ? Lanes<T>::load(p) : Lanes<T>::gather(p, to_vector));
+      } else {
+        T part[count] = {};
+        for (int v = 0; v < vectors; ++v) part[v] = p[v * to_vector];
+        put_lane<T>(x, i, Lanes<T>::load(part));
+      }
+    }
+  }
+  [[gnu::always_inline]] void store(const Real<T>* x) const {
+    T* p = b;
+    for (int i = 0; i < order; ++i, p += to_unknown) {
+      const Lanes<T> lane = lane_at<T>(x, i);
+      if (vectors == count) {
+        to_vector == 1 ? lane.store(p) : lane.scatter(p, to_vector);
+      } else {
+        T part[count];
+        lane.store(part);
+        for (int v = 0; v < vectors; ++v) p[v * to_vector] = part[v];
+      }
+    }
+  }
+};
+
+// A triangle of at most lane_order unknowns.
+template <class Task, class T>
+[[gnu::noinline]] void run_lanes(const Triangular<T>& t, T alpha) {
+  using R = Real<T>;
+  constexpr int most = lane_order<T>, count = Lanes<T>::count;
+  alignas(16) R factors[factors_before<T>(most / group_columns<T>)];
+  alignas(16) R x[most * Lanes<R>::count];
+  Task::Lane::pack(t, alpha, factors);
+  const int groups = groups_of<T>(t.order);
+  for (int i = t.order; i < groups * group_columns<T>; ++i) put_lane<T>(x, i, Lanes<T>::zero());
+  T* b = t.forward() ? t.b : t.unknown(t.order - 1);
+  const ptrdiff_t to_unknown = t.forward() ? t.to_unknown() : -t.to_unknown();
+  const auto run = [&](ptrdiff_t to_vector) __attribute__((always_inline)) {
+    for (int v = 0; v < t.vectors; v += count, b += count * to_vector) {
+      const LaneOfVectors<T> lane{b, to_unknown, to_vector, t.order,
+                                  std::min(count, t.vectors - v)};
+      lane.load(x);
+      Task::Lane::template run<T>(x, factors, groups);
+      lane.store(x);
+    }
+  };
+  t.is_left() ? run(t.ldb) : run(1);
+}
+
+// Unknowns from .. from + count - 1 of t, of which those on the other side of the block in the walk
+// are the rest: after it when walking forward.
+template <class Task, class T, class Block>
+[[gnu::always_inline]] inline void step(const Triangular<T>& t, T alpha, int from, int count,
+                                        int to, int rest, Block block) {
+  const T factor = Task::block_first ? real_element<T>(-1) : alpha;
+  if (Task::block_first) block(t.part(from, count));
+  couple(t, factor, from, count, to, rest);
+  if (!Task::block_first) block(t.part(from, count));
+}
+
+// A triangle in halves: the products are as large as they can be.
+template <class Task, class T>
+void run_block(const Triangular<T>& t, T alpha) {
+  if (t.order <= lane_order<T>) return run_lanes<Task>(t, alpha);
+  const int half = (t.order / 2 + real_columns - 1) / real_columns * real_columns;
+  const auto half_of = [&](bool first) {
+    return first ? std::pair{0, half} : std::pair{half, t.order - half};
+  };
+  const auto [from, count] = half_of(t.forward());
+  const auto [to, rest] = half_of(!t.forward());
+  const auto block = [&](const Triangular<T>& part) { run_block<Task>(part, alpha); };
+  if (!Task::block_first) block(t.part(to, rest));
+  step<Task>(t, alpha, from, count, to, rest, block);
+  if (Task::block_first) block(t.part(to, rest));
+}
+
+template <class Task, class T>
+[[gnu::noinline]] void run_triangle(const Triangular<T>& t, T alpha) {
+  const bool ascending = t.forward() == Task::block_first;
+  for (int done = 0; done < t.order; done += triangle_block) {
+    const int count = std::min(triangle_block, t.order - done);
+    const int from = ascending ? done : t.order - done - count, behind = from + count;
+    const int to = t.forward() ? behind : 0, rest = t.forward() ? t.order - behind : from;
+    for (int v = 0, width; v < t.vectors; v += width) {
+      const int left = t.vectors - v;
+      width = left < vector_panel + narrow_panel ? left : vector_panel;
+      step<Task>(t.panel(v, width), alpha, from, count, to, rest,
+                 [&](const Triangular<T>& block) { run_block<Task>(block, alpha); });
+    }
+  }
+}
+
+template <class T>
+[[gnu::noinline]] void trsm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, T alpha,
+                            const T* a, int lda, T* b, int ldb) {
+  if (m <= 0 || n <= 0) return;
+  scale_matrix(m, n, alpha, b, ldb);
+  if (is_zero(alpha)) return;
+  const bool left = side == Side::left;
+  run_triangle<Solve>(Triangular<T>{side,
+                                    is_lower(uplo, op),
+                                    diag == Diag::unit,
+                                    {a, lda, op},
+                                    left ? m : n,
+                                    b,
+                                    ldb,
+                                    left ? n : m},
+                      alpha);
+}
+
+template <class T>
+[[gnu::noinline]] void trmm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, T alpha,
+                            const T* a, int lda, T* b, int ldb) {
+  if (m <= 0 || n <= 0) return;
+  if (is_zero(alpha)) return scale_matrix(m, n, alpha, b, ldb);
+  const bool left = side == Side::left;
+  run_triangle<Multiply>(Triangular<T>{side,
+                                       is_lower(uplo, op),
+                                       diag == Diag::unit,
+                                       {a, lda, op},
+                                       left ? m : n,
+                                       b,
+                                       ldb,
+                                       left ? n : m},
+                         alpha);
+}
+
+}  // namespace jex::blas
