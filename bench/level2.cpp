@@ -37,14 +37,6 @@ struct Routine {
 };
 
 template <class T>
-T real(double r) {
-  if constexpr (std::is_floating_point_v<T>)
-    return T(r);
-  else
-    return {decltype(T::re)(r), 0};
-}
-
-template <class T>
 void gemv(const Routine& r, const Entry& entry, Operands& v, long calls) {
   static const T half = real<T>(0.5);
   auto* f =

@@ -9,11 +9,21 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <type_traits>
 
 namespace jex::bench {
 
 inline bool is_double(char type) { return type == 'd' || type == 'z'; }
 inline int reals(char type) { return type == 'c' || type == 'z' ? 2 : 1; }
+
+/// A real number as an element of any type.
+template <class T>
+T real(double r) {
+  if constexpr (std::is_floating_point_v<T>)
+    return T(r);
+  else
+    return {decltype(T::re)(r), 0};
+}
 
 /// Arrays cut from one piece of memory, each at a cache line, 16 lines between them: places that
 /// differ within a page.

@@ -1,6 +1,7 @@
 // The front of level 3: C forms against whole numbers, and the same bits for every thread count.
 
 #include "core_front/matrices.h"
+#include "front/blas/level3.h"
 
 #include <jex/blas.h>
 #include <jex/core.h>
@@ -13,6 +14,23 @@
 
 namespace jex::test {
 namespace {
+
+// As many shares as threads, near in size, that end where units do and cover everything.
+TEST(Shares, GiveEveryThreadItsPart) {
+  for (const int threads : {1, 2, 3, 7})
+    for (const int n : {0, 1, 47, 48, 100, 1000, 2000, 2003}) {
+      const front::Shares shares(n, 48, 1e12, threads);
+      ASSERT_EQ(shares.parts(), std::clamp(n / 48, 1, threads)) << n;
+      int next = 0;
+      for (int i = 0; i < shares.parts(); ++i) {
+        EXPECT_EQ(shares.begin(i), next);
+        EXPECT_EQ(shares.begin(i) % 48, 0);
+        EXPECT_LE(shares.count(i), n / shares.parts() + 2 * 48);
+        next += shares.count(i);
+      }
+      EXPECT_EQ(next, n);
+    }
+}
 
 template <class T>
 struct Gemm;

@@ -9,26 +9,30 @@
 #include <algorithm>
 #include <cmath>
 #include <stddef.h>
+#include <stdint.h>
 #include <utility>
 
 namespace jex::front {
 
 // Cuts 0 .. n into shares for threads, each a multiple of unit but the last.
 struct Shares {
-  jex_int n, size;
-
   // Real operations below which another thread costs more than it saves.
   static constexpr double worthwhile = 2e6;
 
-  Shares(jex_int n, jex_int unit, double operations) : n(n), size(std::max(n, 1)) {
-    const double most = std::min<double>(thread_limit(), operations / worthwhile);
-    const jex_int units = n / unit, parts = std::min(jex_int(most), units);
-    if (parts > 1) size = (units + parts - 1) / parts * unit;
+  Shares(jex_int n, jex_int unit, double operations, int threads = thread_limit())
+      : n_(n), unit_(unit), parts_(1) {
+    const double most = std::min<double>(threads, operations / worthwhile);
+    parts_ = std::clamp(jex_int(most), 1, std::max(1, n / unit));
   }
-  // What is left after the last whole share goes to it: none is smaller than a unit.
-  jex_int parts() const { return std::max(1, n / size); }
-  jex_int begin(jex_int part) const { return part * size; }
-  jex_int count(jex_int part) const { return part + 1 == parts() ? n - begin(part) : size; }
+  jex_int parts() const { return parts_; }
+  jex_int begin(jex_int part) const { return jex_int(int64_t(n_ / unit_) * part / parts_) * unit_; }
+  // The last share takes what is left: none is smaller than a unit.
+  jex_int count(jex_int part) const {
+    return (part + 1 == parts_ ? n_ : begin(part + 1)) - begin(part);
+  }
+
+ private:
+  jex_int n_, unit_, parts_;
 };
 
 // The shares are cut where the kernel's own groups of rows and columns end, and none is so small
