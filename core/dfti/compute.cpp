@@ -1,11 +1,10 @@
 // Compute calls, and how the transforms of one are shared out among threads.
 #include "dfti/transform.h"
+#include "threads/threads.h"
 
 #include <algorithm>
 #include <cstdarg>
 #include <new>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 namespace jex::dfti {
@@ -50,17 +49,7 @@ jex_int compute(Transform& t, int entry_word, void* const (&arrays)[4]) {
     shares.push_back(share_of(*t.records, first, end - first, i));
     first = end;
   }
-  const auto work = [&](jex_int i) { statuses[i] = call(entry, &shares[i], nio, arrays); };
-  std::vector<std::thread> others;
-  jex_int started = 1;
-  try {
-    for (; started < threads; ++started) others.emplace_back(work, started);
-  } catch (const std::system_error&) {
-    // The shares that found no thread are done here.
-  }
-  work(0);
-  for (jex_int i = started; i < threads; ++i) work(i);
-  for (std::thread& thread : others) thread.join();
+  in_parallel(threads, [&](jex_int i) { statuses[i] = call(entry, &shares[i], nio, arrays); });
   return *std::max_element(statuses.begin(), statuses.end());
 }
 

@@ -1,8 +1,8 @@
 // Creation, commit, release, and the texts of the statuses.
 #include "dfti/transform.h"
+#include "threads/threads.h"
 
 #include <new>
-#include <thread>
 
 namespace jex::dfti {
 namespace {
@@ -41,11 +41,6 @@ bool is_consistent(Transform& t) {
 }
 
 }  // namespace
-
-jex_int processors() {
-  const unsigned count = std::thread::hardware_concurrency();
-  return count ? jex_int(count) : 1;
-}
 
 jex_int commit(Transform& t) {
   if (!is_consistent(t)) return JEX_DFTI_INCONSISTENT_CONFIGURATION;
@@ -88,7 +83,7 @@ jex_int jex_dft_dfti_create_descriptor_d_md(jex_dft_dfti_handle* handle, jex_int
   if (!t) return JEX_DFT_NO_MEMORY;
   t->entries = entries;
   t->dimensions = dimension;
-  t->thread_limit = processors();
+  t->thread_limit = jex::thread_limit();
   const jex_int status = entries->jex_dft_create_descriptor_md(&t->records, precision, domain,
                                                                dimension, fastest_first);
   if (status == JEX_DFT_SUCCESS)

@@ -33,9 +33,6 @@ using Transform = jex_dft_dfti_transform;
 
 inline bool is_valid(const Transform* t) { return t && t->state == Transform::living; }
 
-// The number of threads that one call may have: the processors of this process.
-jex_int processors();
-
 jex_int commit(Transform& t);
 jex_int compute(Transform& t, int entry_word, void* const (&arrays)[4]);
 

@@ -12,9 +12,6 @@
 
 namespace jex::simd {
 
-inline Lanes<double> load_aligned(const double* p) { return {_mm_load_pd(p)}; }
-inline Lanes<float> load_aligned(const float* p) { return {_mm_load_ps(p)}; }
-
 // Elements of an array: those of dcomplex on 16-byte boundaries, those of scomplex anywhere.
 [[gnu::always_inline]] inline Lanes<jex_dcomplex> load_elements(const jex_dcomplex* p) {
   return {{_mm_load_pd(&p->re)}};
@@ -52,14 +49,6 @@ inline Lanes<float> flip(Lanes<float> a) {
       a.v, parity ? _mm_setr_ps(0.0f, -0.0f, 0.0f, -0.0f) : _mm_setr_ps(-0.0f, 0.0f, -0.0f, 0.0f))};
 }
 
-// a - b in the even lanes, a + b in the odd ones.
-inline Lanes<double> add_alternating(Lanes<double> a, Lanes<double> b) {
-  return {_mm_addsub_pd(a.v, b.v)};
-}
-inline Lanes<float> add_alternating(Lanes<float> a, Lanes<float> b) {
-  return {_mm_addsub_ps(a.v, b.v)};
-}
-
 // sign i a
 template <int sign, class T>
 [[gnu::always_inline]] inline Lanes<T> turned(Lanes<T> a) {
@@ -79,8 +68,9 @@ template <class T>
 // a w (sign -1) or a conj(w) (sign 1), w from a table.
 template <int sign, class T>
 [[gnu::always_inline]] inline Lanes<T> times_root(Lanes<T> a, const Real<T>* w) {
-  const auto straight = a.parts * load_aligned(w);
-  const auto crossed = swap_parts(a.parts) * load_aligned(w + Lanes<Real<T>>::count);
+  const auto straight = a.parts * Lanes<Real<T>>::load_aligned(w);
+  const auto crossed =
+      swap_parts(a.parts) * Lanes<Real<T>>::load_aligned(w + Lanes<Real<T>>::count);
   if constexpr (sign < 0)
     return {straight + crossed};
   else

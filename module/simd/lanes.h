@@ -194,12 +194,13 @@ inline Lanes<double> parts_of(Lanes<double> a, Lanes<double> b) {
   return {parity ? _mm_unpackhi_pd(a.v, b.v) : _mm_unpacklo_pd(a.v, b.v)};
 }
 
-// a + i b for complex elements, b with its parts swapped: a.re - b.im, a.im + b.re.
-inline Lanes<float> add_i_times(Lanes<float> a, Lanes<float> swapped) {
-  return {_mm_addsub_ps(a.v, swapped.v)};
+// a - b in the even lanes, a + b in the odd ones: a + i c for complex elements where b is c with its
+// parts swapped.
+inline Lanes<float> add_alternating(Lanes<float> a, Lanes<float> b) {
+  return {_mm_addsub_ps(a.v, b.v)};
 }
-inline Lanes<double> add_i_times(Lanes<double> a, Lanes<double> swapped) {
-  return {_mm_addsub_pd(a.v, swapped.v)};
+inline Lanes<double> add_alternating(Lanes<double> a, Lanes<double> b) {
+  return {_mm_addsub_pd(a.v, b.v)};
 }
 
 // Complex lanes are real lanes of twice the length; R is the real element.
@@ -399,9 +400,6 @@ struct Coefficient {
   friend Coefficient operator*(Coefficient a, Coefficient b) { return {a.all * b.all}; }
 };
 
-inline __m128 add_sub(__m128 a, __m128 b) { return _mm_addsub_ps(a, b); }
-inline __m128d add_sub(__m128d a, __m128d b) { return _mm_addsub_pd(a, b); }
-
 template <class T>
 requires is_complex<T>
 struct Coefficient<T> {
@@ -422,7 +420,7 @@ struct Coefficient<T> {
     return f;
   }
   friend Lanes<T> operator*(Lanes<T> x, Coefficient f) {
-    return {{add_sub((x.parts * f.re).v, (swap_parts(x.parts) * f.im).v)}};
+    return {add_alternating(x.parts * f.re, swap_parts(x.parts) * f.im)};
   }
   friend Coefficient operator*(Coefficient a, Coefficient b) {
     return {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im};

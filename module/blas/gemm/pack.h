@@ -18,11 +18,6 @@ inline ptrdiff_t lane_stride(int steps) {
   return ptrdiff_t(padded(steps) + 1) * Lanes<R>::count;
 }
 
-template <class T>
-inline T zero_of() {
-  return {};
-}
-
 // Packs alpha op(A), rows x steps, in lanes. The rows of the last lane that A does not have are
 // zero, and so are the steps up to the padded number.
 template <int plane, class Scheme>

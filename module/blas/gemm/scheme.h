@@ -66,7 +66,7 @@ struct ComplexBase {
 
   static R sign(bool conjugated) { return conjugated ? R(-1) : R(1); }
   Lanes<T> scaled(Lanes<T> a, bool conjugated) const {
-    if (conjugated) a.parts = a.parts * Lanes<T>::all({R(1), R(-1)}).parts;
+    if (conjugated) a = conjugate(a);
     return is_one(alpha) ? a : a * Factor<T>(alpha);
   }
   // C := C + (re v, im v) for lane_rows = Lanes<R>::count elements, v times the signs of the parts.
@@ -100,7 +100,7 @@ struct ComplexScheme : ComplexBase<T> {
   template <int plane, int part, First>
   void store(Lanes<R> v, T* c) const {
     const auto old = Lanes<R>::load(&c->re);
-    (part == 0 ? old + v : add_i_times(old, swap_parts(v))).store(&c->re);
+    (part == 0 ? old + v : add_alternating(old, swap_parts(v))).store(&c->re);
   }
 };
 

@@ -52,7 +52,7 @@ struct SmallWalk {
     for (int p = steps; p > 0; --p, a += next, b += b_row) {
       Lanes<T> lane = load(a);
       if constexpr (is_complex<T>)
-        if (conjugates_a) lane.parts = lane.parts * Lanes<T>::all({1, -1}).parts;
+        if (conjugates_a) lane = conjugate(lane);
       if (scaled) lane = lane * Factor<T>(alpha);
       Lanes<R> row;
       if constexpr (is_complex<T>)
@@ -91,7 +91,7 @@ template <int columns, First first, bool contiguous, class T>
       if constexpr (first != First::overwrite) old = load_c(to);
       if constexpr (first == First::general) old = old * Factor<T>(beta);
       if constexpr (is_complex<T>)
-        store_c({add_i_times(old.parts + sum[2 * k], swap_parts(sum[2 * k + 1]))}, to);
+        store_c({add_alternating(old.parts + sum[2 * k], swap_parts(sum[2 * k + 1]))}, to);
       else
         store_c(first == First::overwrite ? sum[k] : old + sum[k], to);
     });

@@ -34,7 +34,7 @@ template <class T, int c>
   if constexpr (is_complex<T>) {
     const L re = x.parts * L::load_aligned(row + 2 * c * L::count);
     const L im = x.parts * L::load_aligned(row + (2 * c + 1) * L::count);
-    return {add_i_times(re, swap_parts(im))};
+    return {add_alternating(re, swap_parts(im))};
   } else {
     return x * L::load_aligned(row + c * L::count);
   }
@@ -44,7 +44,7 @@ template <class T, int c>
 template <class T, int c>
 [[gnu::always_inline]] inline Lanes<T> column_of(const Lanes<Real<T>> (&sum)[real_columns]) {
   if constexpr (is_complex<T>)
-    return {add_i_times(sum[2 * c], swap_parts(sum[2 * c + 1]))};
+    return {add_alternating(sum[2 * c], swap_parts(sum[2 * c + 1]))};
   else
     return sum[c];
 }

@@ -149,22 +149,22 @@ template <class Task, class T>
   }
 }
 
+// The triangle op(A) beside or above the m x n matrix B.
+template <class T>
+Triangular<T> triangle_of(Side side, Uplo uplo, Op op, Diag diag, int m, int n, const T* a, int lda,
+                          T* b, int ldb) {
+  const bool left = side == Side::left;
+  return {side, is_lower(uplo, op), diag == Diag::unit, {a, lda, op}, left ? m : n, b,
+          ldb,  left ? n : m};
+}
+
 template <class T>
 [[gnu::noinline]] void trsm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, T alpha,
                             const T* a, int lda, T* b, int ldb) {
   if (m <= 0 || n <= 0) return;
   scale_matrix(m, n, alpha, b, ldb);
   if (is_zero(alpha)) return;
-  const bool left = side == Side::left;
-  run_triangle<Solve>(Triangular<T>{side,
-                                    is_lower(uplo, op),
-                                    diag == Diag::unit,
-                                    {a, lda, op},
-                                    left ? m : n,
-                                    b,
-                                    ldb,
-                                    left ? n : m},
-                      alpha);
+  run_triangle<Solve>(triangle_of(side, uplo, op, diag, m, n, a, lda, b, ldb), alpha);
 }
 
 template <class T>
@@ -172,16 +172,7 @@ template <class T>
                             const T* a, int lda, T* b, int ldb) {
   if (m <= 0 || n <= 0) return;
   if (is_zero(alpha)) return scale_matrix(m, n, alpha, b, ldb);
-  const bool left = side == Side::left;
-  run_triangle<Multiply>(Triangular<T>{side,
-                                       is_lower(uplo, op),
-                                       diag == Diag::unit,
-                                       {a, lda, op},
-                                       left ? m : n,
-                                       b,
-                                       ldb,
-                                       left ? n : m},
-                         alpha);
+  run_triangle<Multiply>(triangle_of(side, uplo, op, diag, m, n, a, lda, b, ldb), alpha);
 }
 
 }  // namespace jex::blas

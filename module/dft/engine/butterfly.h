@@ -6,28 +6,20 @@
 // roots, scale or transpose there. All loads of a column are made before its first store.
 #pragma once
 
-#include <utility>
-
 #include "dft/engine/roots.h"
 #include "simd/complex.h"
+#include "simd/repeat.h"
 
 namespace jex::dft {
 
 using simd::Lanes;
 using simd::Real;
+using simd::unrolled;
 
 enum class Direction { forward, backward };
 constexpr int sign(Direction d) { return d == Direction::forward ? -1 : 1; }
 
 #define JEX_INLINE __attribute__((always_inline))
-
-template <int N, class F>
-JEX_INLINE inline void unrolled(F f) {
-  [&]<int... i>(std::integer_sequence<int, i...>) JEX_INLINE {
-    (f(std::integral_constant<int, i>()), ...);
-  }
-  (std::make_integer_sequence<int, N>());
-}
 
 constexpr int gcd(int a, int b) { return b ? gcd(b, a % b) : a; }
 

@@ -64,8 +64,8 @@ struct Butterfly {
     for (int j = 0; j < h; ++j, pairs += 2)
       unrolled<count>([&](auto i) JEX_INLINE {
         const auto* root = reinterpret_cast<const Real<T>*>(table + offset[j + i * h]);
-        c[i] = simd::accumulated(c[i], simd::load_aligned(root) * pairs[0].parts);
-        s[i] = simd::accumulated(s[i], simd::load_aligned(root + P::count) * pairs[1].parts);
+        c[i] = simd::accumulated(c[i], P::load_aligned(root) * pairs[0].parts);
+        s[i] = simd::accumulated(s[i], P::load_aligned(root + P::count) * pairs[1].parts);
       });
     unrolled<count>([&](auto i) JEX_INLINE {
       const V sine = simd::turned<-1>(V{s[i]}), cosine{c[i]};

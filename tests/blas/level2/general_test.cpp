@@ -4,7 +4,7 @@
 #include "blas/level1/level1.h"
 #include "blas/level2/general_model.h"
 
-#include <complex>
+#include "support/exact.h"
 
 namespace jex::test {
 namespace {
@@ -141,16 +141,6 @@ TEST(Level2GeneralReal, GemvKeepsTheSignOfZero) {
     expect_model(a, x, y);
   }
 }
-
-using Exact = std::complex<long double>;
-template <class T>
-Exact exact(T a) {
-  if constexpr (is_complex<T>)
-    return {a.re, a.im};
-  else
-    return a;
-}
-long double size_of(Exact a) { return std::abs(a.real()) + std::abs(a.imag()); }
 
 // The product in long double, and an error of a few roundings for each term of the sums.
 template <class T>

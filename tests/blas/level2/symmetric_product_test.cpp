@@ -5,7 +5,7 @@
 #include "blas/level2/symmetric_entries.h"
 #include "blas/level2/symmetric_matrix.h"
 
-#include <complex>
+#include "support/exact.h"
 
 namespace jex::test {
 namespace {
@@ -13,17 +13,6 @@ namespace {
 template <class T>
 struct SymmetricProduct : testing::Test {};
 TYPED_TEST_SUITE(SymmetricProduct, All4);
-
-using Exact = std::complex<long double>;
-
-template <class T>
-Exact exact(T a) {
-  if constexpr (is_complex<T>)
-    return {a.re, a.im};
-  else
-    return a;
-}
-long double size(Exact a) { return std::fabs(a.real()) + std::fabs(a.imag()); }
 
 // What the panel adds to element i of y, without alpha, and the sum of the magnitudes.
 template <class T>
@@ -38,7 +27,7 @@ struct RowSum {
       if (!panel.has(column)) continue;
       const Exact term = exact(a.whole(i, j)) * exact(x.at(j));
       sum += term;
-      magnitudes += size(exact(a.whole(i, j))) * size(exact(x.at(j)));
+      magnitudes += size_of(exact(a.whole(i, j))) * size_of(exact(x.at(j)));
     }
   }
 };
@@ -49,7 +38,7 @@ bool is_near(T ours, Exact model, long double bound) {
   const Exact mine = exact(ours);
   const bool nan = std::isnan(model.real()) || std::isnan(model.imag());
   if (nan) return std::isnan(mine.real()) && std::isnan(mine.imag()) == is_complex<T>;
-  return size(mine - model) <= bound;
+  return size_of(mine - model) <= bound;
 }
 
 // call(n, nb, alpha, a, x, y) runs the kernel; the panel has all columns when nb is 0.
@@ -74,11 +63,11 @@ void check_product(Storage storage, bool panels, Kernel kernel) {
     for (int i = 0; c.n > 0 && nb > 0 && i < c.n; ++i) {
       const T ours = first[i * y.inc()];
       Exact model = is_zero(beta) ? Exact(0) : exact(beta) * exact(y.at(i));
-      long double magnitudes = size(model);
+      long double magnitudes = size_of(model);
       if (reads) {
         const RowSum<T> row(a, x, i, c.n, PanelColumns(upper, c.n, nb));
         model += exact(alpha) * row.sum;
-        magnitudes += size(exact(alpha)) * row.magnitudes;
+        magnitudes += size_of(exact(alpha)) * row.magnitudes;
       } else if (is_zero(beta)) {
         EXPECT_TRUE(same_bits(ours, T{})) << "element " << i << " is not +0";
       }
@@ -150,7 +139,7 @@ TYPED_TEST(SymmetricProduct, LargerThanTheCache) {
       const RowSum<T> row(a, x, i, n, PanelColumns(upper, n, n));
       const long double eps = std::numeric_limits<Real<T>>::epsilon();
       ASSERT_TRUE(is_near(y.data()[i], exact(alpha) * row.sum,
-                          2 * n * eps * size(exact(alpha)) * row.magnitudes))
+                          2 * n * eps * size_of(exact(alpha)) * row.magnitudes))
           << "element " << i;
     }
   }
