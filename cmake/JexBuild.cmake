@@ -34,24 +34,34 @@ if(JEX_SANITIZE)
   target_link_options(jex_flags INTERFACE -fsanitize=address,undefined LINKER:-z,undefs)
 endif()
 
+include("${CMAKE_CURRENT_LIST_DIR}/JexExportHeader.cmake")
+
 # jex_export_lists(<target> <list>...)
 #
 # One list for each family names its exports, one row each. From the rows this makes
-#   include/jex/exports.h        the prototypes, with the docstrings of the lists
+#   include/jex/exports/         the prototypes of each list, with its docstrings
+#   include/jex/exports.h        all of them
 #   include/jex/export_names.inc one row JEX_ENTRY(name) for each export
 #   jex_q7t.map, jex_q7t.def     version script and module definition
 function(jex_export_lists target)
   set(out "${PROJECT_BINARY_DIR}/include/jex")
   set(products "${out}/exports.h" "${out}/export_names.inc"
       "${PROJECT_BINARY_DIR}/exports/jex_q7t.map" "${PROJECT_BINARY_DIR}/exports/jex_q7t.def")
+  foreach(list ${ARGN})
+    jex_header_of(header "${list}")
+    list(APPEND products "${out}/exports/${header}")
+  endforeach()
+  set(stamp "${PROJECT_BINARY_DIR}/exports/made")
   add_custom_command(
-    OUTPUT ${products}
+    OUTPUT "${stamp}"
+    BYPRODUCTS ${products}
     COMMAND "${CMAKE_COMMAND}" "-DCXX=${CMAKE_CXX_COMPILER}" "-DLISTS=${ARGN}"
-            "-DOUT=${PROJECT_BINARY_DIR}" "-DSOURCE=${PROJECT_SOURCE_DIR}"
+            "-DOUT=${PROJECT_BINARY_DIR}" "-DSOURCE=${PROJECT_SOURCE_DIR}" "-DSTAMP=${stamp}"
             -P "${PROJECT_SOURCE_DIR}/cmake/MakeExports.cmake"
     DEPENDS ${ARGN} "${PROJECT_SOURCE_DIR}/cmake/MakeExports.cmake"
+            "${PROJECT_SOURCE_DIR}/cmake/JexExportHeader.cmake"
             "${PROJECT_SOURCE_DIR}/cmake/exports_rows.inc"
     COMMENT "Making the export table from its lists"
     VERBATIM)
-  add_custom_target(${target} DEPENDS ${products})
+  add_custom_target(${target} DEPENDS "${stamp}")
 endfunction()

@@ -1,24 +1,63 @@
-# Runs the preprocessor over the export lists and writes what the build needs of them.
-# Arguments: CXX (compiler), LISTS, OUT (build folder), SOURCE (project folder).
+# Runs the preprocessor over the export lists and writes what the build needs of them. What did not
+# change is not written, so that a new export recompiles no other family.
+# Arguments: CXX (compiler), LISTS, OUT (build folder), SOURCE (project folder), STAMP.
 
 # Each list by itself: the names of its macros are its own.
-function(preprocess result)
-  set(all "")
-  foreach(list ${LISTS})
-    execute_process(
-      COMMAND "${CXX}" -m32 -E -P -x c++ -ffreestanding ${ARGN}
-              -imacros "${SOURCE}/cmake/exports_rows.inc" "${list}"
-      OUTPUT_VARIABLE text RESULT_VARIABLE status)
-    if(NOT status EQUAL 0)
-      message(FATAL_ERROR "${list} does not preprocess.")
-    endif()
-    string(APPEND all "${text}\n")
-  endforeach()
-  set(${result} "${all}" PARENT_SCOPE)
+function(preprocess result list)
+  execute_process(
+    COMMAND "${CXX}" -m32 -E -P -x c++ -ffreestanding ${ARGN}
+            -imacros "${SOURCE}/cmake/exports_rows.inc" "${list}"
+    OUTPUT_VARIABLE text RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${list} does not preprocess.")
+  endif()
+  set(${result} "${text}" PARENT_SCOPE)
 endfunction()
 
-preprocess(rows -DJEX_MAKE_NAMES)
-preprocess(prototypes -C)
+include("${SOURCE}/cmake/JexExportHeader.cmake")
+
+function(write file text)
+  set(before "")
+  if(EXISTS "${file}")
+    file(READ "${file}" before)
+  endif()
+  if(NOT text STREQUAL before)
+    file(WRITE "${file}" "${text}")
+  endif()
+endfunction()
+
+set(rows "")
+set(headers "")
+foreach(list ${LISTS})
+  preprocess(names "${list}" -DJEX_MAKE_NAMES)
+  string(APPEND rows "${names}\n")
+  preprocess(prototypes "${list}" -C)
+  jex_header_of(header "${list}")
+  string(TOUPPER "JEX_EXPORTS_${header}" guard)
+  string(REGEX REPLACE "[/.]" "_" guard "${guard}")
+  string(APPEND headers "#include <jex/exports/${header}>\n")
+  write("${OUT}/include/jex/exports/${header}" "// Made from an export list; do not edit.
+#ifndef ${guard}
+#define ${guard}
+
+#include <jex/dft.h>
+
+#include <stddef.h>
+
+#include <jex/types.h>
+
+#ifdef __cplusplus
+extern \"C\" {
+#endif
+
+${prototypes}
+#ifdef __cplusplus
+}
+#endif
+
+#endif
+")
+endforeach()
 
 string(REGEX MATCHALL "@[a-z]+ [A-Za-z0-9_]+@" rows "${rows}")
 set(names "")
@@ -42,30 +81,17 @@ if(NOT unique STREQUAL names)
 endif()
 list(JOIN names ";\n    " map)
 
-file(WRITE "${OUT}/exports/jex_q7t.map" "{\n  global:\n    ${map};\n  local: *;\n};\n")
-file(WRITE "${OUT}/exports/jex_q7t.def" "${def}")
-file(WRITE "${OUT}/include/jex/export_names.inc" "${entries}")
-file(WRITE "${OUT}/include/jex/exports.h" "/**
+write("${OUT}/exports/jex_q7t.map" "{\n  global:\n    ${map};\n  local: *;\n};\n")
+write("${OUT}/exports/jex_q7t.def" "${def}")
+write("${OUT}/include/jex/export_names.inc" "${entries}")
+write("${OUT}/include/jex/exports.h" "/**
  * @file exports.h
  * @brief The exports of the kernel module. Made from the export lists; do not edit.
  */
 #ifndef JEX_EXPORTS_H
 #define JEX_EXPORTS_H
 
-#include <jex/dft.h>
-
-#include <stddef.h>
-
-#include <jex/types.h>
-
-#ifdef __cplusplus
-extern \"C\" {
-#endif
-
-${prototypes}
-#ifdef __cplusplus
-}
-#endif
-
+${headers}
 #endif
 ")
+file(TOUCH "${STAMP}")

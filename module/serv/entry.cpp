@@ -1,5 +1,7 @@
 // Module entry, branch number, option characters and the empty entries.
 
+#include <jex/exports/serv.h>
+
 #include "serv/empty.h"
 #include "serv/lsame.h"
 #include "serv/shell.h"

@@ -5,6 +5,8 @@
 // of the core's export of the same name. The module exports that name too, so the address is asked
 // of the core's library itself and not of the global scope.
 
+#include <jex/exports/serv.h>
+
 #include "serv/shell.h"
 
 #include <dlfcn.h>

@@ -1,5 +1,7 @@
 // Export shells of the sparse services, stamped from the list.
 
+#include <jex/exports/spblas.h>
+
 #include "serv/shell.h"
 #include "spblas/scalars.h"
 #include "spblas/split.h"

@@ -1,5 +1,7 @@
 // Export shells of matrix copy and transposition, stamped from the list.
 
+#include <jex/exports/trans.h>
+
 #include "serv/shell.h"
 #include "trans/matcopy.h"
 

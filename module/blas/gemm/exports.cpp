@@ -1,5 +1,7 @@
 // Export shells of the matrix multiply, stamped from the list.
 
+#include <jex/exports/blas/gemm.h>
+
 #include "blas/gemm/mixed_helpers.h"
 #include "blas/level2/options.h"
 #include "serv/shell.h"

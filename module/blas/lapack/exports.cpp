@@ -1,5 +1,7 @@
 // Export shells of the LAPACK support kernels, stamped from the list.
 
+#include <jex/exports/blas/lapack.h>
+
 #include "blas/lapack/lasr.h"
 #include "blas/lapack/potrf.h"
 #include "blas/lapack/reflect.h"

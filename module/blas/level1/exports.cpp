@@ -1,5 +1,7 @@
 // Export shells of level 1, stamped from the list.
 
+#include <jex/exports/blas/level1.h>
+
 #include "blas/level1/copy.h"
 #include "blas/level1/dot.h"
 #include "blas/level1/extreme.h"

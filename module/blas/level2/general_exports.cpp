@@ -1,5 +1,7 @@
 // Export shells of the level-2 kernels on general and band matrices, stamped from the list.
 
+#include <jex/exports/blas/level2/general.h>
+
 #include "blas/level2/gbmv.h"
 #include "blas/level2/gemv.h"
 #include "blas/level2/ger.h"

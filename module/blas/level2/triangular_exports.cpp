@@ -1,5 +1,7 @@
 // Export shells of the triangular level-2 kernels, stamped from the list.
 
+#include <jex/exports/blas/level2/triangular.h>
+
 #include "blas/level2/options.h"
 #include "blas/level2/triangular_storage.h"
 #include "blas/level2/trmv.h"

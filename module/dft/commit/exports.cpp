@@ -1,5 +1,7 @@
 // Export shells of the Fourier transforms, stamped from the list.
 
+#include <jex/exports/dft/commit.h>
+
 #include "dft/commit/commit.h"
 #include "dft/engine/bitrev.h"
 #include "serv/shell.h"
