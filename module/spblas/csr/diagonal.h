@@ -34,8 +34,8 @@ inline T diagonal(const Rows<T>& a, int i) {
 
 // Columns 0 .. count - 1; c is the element of number 0.
 template <class T, bool conj, Layout layout>
-[[gnu::noinline, gnu::noclone]] void divide_columns(const Matrix<T>& matrix, int m, int count, T* c,
-                                                    ptrdiff_t ld) {
+[[gnu::noinline]] void divide_columns(const Matrix<T>& matrix, int m, int count, T* c,
+                                      ptrdiff_t ld) {
   const Rows<T> a(matrix);
   for (int i = a.base; i < m + a.base; ++i) {
     const T d = diagonal<conj>(a, i);

@@ -24,16 +24,19 @@ struct Matrix {
 
 // A matrix as the loops walk it: an entry is the address of its column number. Values lie at the
 // same places of their array, so that their addresses are a multiple of that one and a distance,
-// and one register walks both arrays. The seven that there are go far with that. The kernels that
-// walk so are never cloned: g++ 12 takes specialised clones of some for functions without effect.
+// and one register walks both arrays. The seven that there are go far with that.
+//
+// The distance is kept as a pointer, not as an integer: of addresses summed from integers alone
+// g++ 12 makes accesses with a null base, takes those for the end of the program, and a function
+// whose loop begins with one for a function without effect.
 template <class T>
 struct Rows {
-  uintptr_t values;
+  const char* values;
   const jex_int *columns, *begin, *end;
   int base;
 
   explicit Rows(const Matrix<T>& a)
-      : values(reinterpret_cast<uintptr_t>(a.values) -
+      : values(reinterpret_cast<const char*>(a.values) -
                reinterpret_cast<uintptr_t>(a.columns) * scale),
         columns(a.columns - a.begin[0]),
         begin(a.begin - a.base),

@@ -118,9 +118,8 @@ template <class Group, Method method, Layout layout, class T>
 
 // Rows first .. last - 1. x and y are those of number 0.
 template <class T, Method method>
-[[gnu::noinline, gnu::noclone]] void multiply_vector(const Matrix<T>& matrix, int first, int last,
-                                                     bool strict, bool unit, const T& scale,
-                                                     const T* x, T* y) {
+[[gnu::noinline]] void multiply_vector(const Matrix<T>& matrix, int first, int last, bool strict,
+                                       bool unit, const T& scale, const T* x, T* y) {
   const Rows<T> a(matrix);
   const T alpha = scale;
   // Mirrored rows with a unit diagonal go twice, by the other kernel.
@@ -155,9 +154,8 @@ consteval int registers_at_once(Method method) {
 
 // Columns c1 .. c2 - 1 of b and c, all m rows.
 template <class T, Method method, Layout layout>
-[[gnu::noinline, gnu::noclone]] void multiply_columns(const Matrix<T>& matrix, int c1, int c2,
-                                                      int m, bool strict, bool unit, const T& scale,
-                                                      Dense<const T> b, Dense<T> c) {
+[[gnu::noinline]] void multiply_columns(const Matrix<T>& matrix, int c1, int c2, int m, bool strict,
+                                        bool unit, const T& scale, Dense<const T> b, Dense<T> c) {
   const Rows<T> a(matrix);
   const T alpha = scale;
   const auto row = [&]<Method row_method>(int i, Entry first, Entry last)

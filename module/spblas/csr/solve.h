@@ -125,8 +125,7 @@ template <Uplo uplo, bool transposed, class Row>
 
 // One column; y is that of number 0.
 template <class T, Uplo uplo, bool transposed, bool conj, Layout layout>
-[[gnu::noinline, gnu::noclone]] void solve_vector(const Matrix<T>& matrix, int m, bool unit, T* y,
-                                                  ptrdiff_t ld) {
+[[gnu::noinline]] void solve_vector(const Matrix<T>& matrix, int m, bool unit, T* y, ptrdiff_t ld) {
   using Group = One<T>;
   const Rows<T> a(matrix);
   typename Group::Value before = Group::zero();
@@ -154,8 +153,8 @@ template <class T, Uplo uplo, bool transposed, bool conj, Layout layout>
 // Columns 0 .. count - 1 row by row. The scratch holds, for each column of a row, its sum s, or
 // minus its unknown.
 template <class T, Uplo uplo, bool transposed, bool conj, Layout layout>
-[[gnu::noinline, gnu::noclone]] void solve_columns(const Matrix<T>& matrix, int m, int count,
-                                                   bool unit, T* c, ptrdiff_t ld, T* scratch) {
+[[gnu::noinline]] void solve_columns(const Matrix<T>& matrix, int m, int count, bool unit, T* c,
+                                     ptrdiff_t ld, T* scratch) {
   constexpr int most = uplo == Uplo::upper && !transposed ? 1 : is_complex<T> ? 2 : 4;
   const Rows<T> a(matrix);
   for_solve_rows<uplo, transposed>(
@@ -191,8 +190,8 @@ template <class T, Uplo uplo, bool transposed, bool conj, Layout layout>
 
 // Columns 0 .. count - 1 of the n of C, with scratch for n elements or, without, one by one.
 template <class T, Uplo uplo, bool transposed, bool conj, Layout layout>
-[[gnu::noinline, gnu::noclone]] void solve_all(const Matrix<T>& a, int m, int n, int count,
-                                               bool unit, T* c, ptrdiff_t ld) {
+[[gnu::noinline]] void solve_all(const Matrix<T>& a, int m, int n, int count, bool unit, T* c,
+                                 ptrdiff_t ld) {
   T* const scratch = static_cast<T*>(serv::allocate(std::max(n, count) * sizeof(T), 128));
   if (scratch)
     solve_columns<T, uplo, transposed, conj, layout>(a, m, count, unit, c, ld, scratch);

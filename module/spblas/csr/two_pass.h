@@ -14,9 +14,8 @@
 namespace jex::spblas::csr {
 
 template <class T, EntryRule rule>
-[[gnu::noinline, gnu::noclone]] void multiply_vector_twice(const Matrix<T>& matrix, int first,
-                                                           int last, bool unit, const T& scale,
-                                                           const T* x, T* y) {
+[[gnu::noinline]] void multiply_vector_twice(const Matrix<T>& matrix, int first, int last,
+                                             bool unit, const T& scale, const T* x, T* y) {
   using Group = One<T>;
   using Value = typename Group::Value;
   using Factor = typename Group::Factor;
