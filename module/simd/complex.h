@@ -8,6 +8,8 @@
 // so that a w = a (c c) + swap(a) (s -s), and with the conjugate root the sum is a difference.
 #pragma once
 
+#include <stddef.h>
+
 #include "simd/lanes.h"
 
 namespace jex::simd {
@@ -38,6 +40,17 @@ namespace jex::simd {
   a.store_first(p);
 }
 
+// Elements at places of their own, a distance apart.
+[[gnu::always_inline]] inline void scatter_elements(Lanes<jex_dcomplex> a, jex_dcomplex* p,
+                                                    ptrdiff_t) {
+  store_elements(a, p);
+}
+[[gnu::always_inline]] inline void scatter_elements(Lanes<jex_scomplex> a, jex_scomplex* p,
+                                                    ptrdiff_t distance) {
+  a.store_first(p);
+  _mm_storeh_pi((__m64*)(p + distance), a.parts.v);
+}
+
 // The signs of the even (parity 0) or odd lanes change.
 template <int parity>
 inline Lanes<double> flip(Lanes<double> a) {
@@ -53,6 +66,11 @@ inline Lanes<float> flip(Lanes<float> a) {
 template <int sign, class T>
 [[gnu::always_inline]] inline Lanes<T> turned(Lanes<T> a) {
   return {flip < sign < 0 ? 1 : 0 > (swap_parts(a.parts))};
+}
+
+template <class T>
+[[gnu::always_inline]] inline Lanes<T> negated(Lanes<T> a) {
+  return {Lanes<Real<T>>::zero() - a.parts};
 }
 
 // a (c + i s), the real c and s known to the compiler's constants.

@@ -51,6 +51,14 @@ TEST(Factor, PassesMultiplyToTheLength) {
     for (int p = 2; rest > 1; ++p)
       while (rest % p == 0) rest /= p, largest = p;
     ASSERT_EQ(product, largest < 150 ? n : 1) << n;
+    const Radices split = choose_split_radices(n);
+    product = 1;
+    for (int i = 0; i < split.count; ++i) product *= split.radix[i];
+    ASSERT_EQ(product, split.count ? n : 1) << n;
+    EXPECT_NE(split.count, 1) << n;
+    if (n > 16) {
+      EXPECT_EQ(split.count > 0, largest < 8) << n;
+    }
   }
 }
 

@@ -7,14 +7,26 @@
 #pragma once
 
 #include "dft/engine/roots.h"
-#include "simd/complex.h"
 #include "simd/repeat.h"
+#include "simd/split.h"
 
 namespace jex::dft {
 
 using simd::Lanes;
 using simd::Real;
+using simd::Split;
 using simd::unrolled;
+
+// The registers of a butterfly: Dft is told an element type, whose elements stay together, or the
+// split form itself.
+template <class T>
+struct Registers {
+  using V = Lanes<T>;
+};
+template <class T>
+struct Registers<Split<T>> {
+  using V = Split<T>;
+};
 
 enum class Direction { forward, backward };
 constexpr int sign(Direction d) { return d == Direction::forward ? -1 : 1; }
@@ -37,19 +49,20 @@ constexpr int first_factor(int n) {
 }
 
 // a w^index of order N, in as few operations as the root needs.
-template <int N, int index, Direction d, class T>
-JEX_INLINE inline Lanes<T> times_constant(Lanes<T> a) {
+template <int N, int index, Direction d, class T, class V>
+JEX_INLINE inline auto times_constant(V a) {
   constexpr int k = index % N;
+  constexpr Real<T> half_root = Real<T>(constant_root(1, 8).c);
   if constexpr (k == 0) {
     return a;
   } else if constexpr (4 * k == N) {
     return simd::turned<sign(d)>(a);
   } else if constexpr (2 * k == N) {
-    return {Lanes<Real<T>>::zero() - a.parts};
+    return simd::negated(a);
   } else if constexpr (8 * k == N) {
-    return simd::scaled(a + simd::turned<sign(d)>(a), Real<T>(constant_root(1, 8).c));
+    return simd::scaled(a + simd::turned<sign(d)>(a), half_root);
   } else if constexpr (8 * k == 3 * N) {
-    return simd::scaled(simd::turned<sign(d)>(a) - a, Real<T>(constant_root(1, 8).c));
+    return simd::scaled(a - simd::turned<sign(d)>(a), -half_root);
   } else {
     constexpr Root w = constant_root(k, N);
     return simd::times(a, Real<T>(w.c), Real<T>(sign(d) * w.s));
@@ -58,7 +71,7 @@ JEX_INLINE inline Lanes<T> times_constant(Lanes<T> a) {
 
 template <int N, Direction d, class T>
 struct Dft {
-  using V = Lanes<T>;
+  using V = typename Registers<T>::V;
 
   template <class Load, class Store>
   JEX_INLINE static void run(Load load, Store store) {
@@ -93,7 +106,8 @@ struct Dft {
     const V x0 = load(0), x2 = load(2);
     const V a = x0 + x2, b = x0 - x2;
     const V x1 = load(1), x3 = load(3);
-    const V c = x1 + x3, e = simd::turned<sign(d)>(x1 - x3);
+    const V c = x1 + x3;
+    const auto e = simd::turned<sign(d)>(x1 - x3);
     store(0, a + c);
     store(2, a - c);
     store(1, b + e);
@@ -110,9 +124,9 @@ struct Dft {
     const V mean = x0 - simd::scaled(sum, Real<T>(0.25));
     const V half = simd::scaled(a1 - a2, Real<T>((w1.c - w2.c) / 2));
     const V c1 = mean + half, c2 = mean - half;
-    const V s1 =
+    const auto s1 =
         simd::turned<sign(d)>(simd::scaled(b1, Real<T>(w1.s)) + simd::scaled(b2, Real<T>(w2.s)));
-    const V s2 =
+    const auto s2 =
         simd::turned<sign(d)>(simd::scaled(b1, Real<T>(w2.s)) - simd::scaled(b2, Real<T>(w1.s)));
     store(0, x0 + sum);
     store(1, c1 + s1);
@@ -130,7 +144,7 @@ struct Dft {
     Dft<4, d, T>::run([&](int j) JEX_INLINE { return load(2 * j + 1); },
                       [&](int k, V y) JEX_INLINE { odd[k] = y; });
     unrolled<4>([&](auto k) JEX_INLINE {
-      const V y = times_constant<8, k, d>(odd[k]);
+      const auto y = times_constant<8, k, d, T>(odd[k]);
       store(k, even[k] + y);
       store(k + 4, even[k] - y);
     });
@@ -161,9 +175,9 @@ struct Dft {
         const V term = simd::scaled(b[j], Real<T>(w.s));
         s = j == 1 ? term : s + term;
       });
-      s = simd::turned<sign(d)>(s);
-      store(k, c + s);
-      store(N - k, c - s);
+      const auto turned = simd::turned<sign(d)>(s);
+      store(k, c + turned);
+      store(N - k, c - turned);
     });
   }
 
@@ -177,7 +191,7 @@ struct Dft {
       Dft<A, d, T>::run([&](int i) JEX_INLINE { return load(j + B * i); },
                         [&](int k, V y) JEX_INLINE { column[k] = y; });
       unrolled<A>([&](auto k)
-                      JEX_INLINE { t[k * B + j] = times_constant<N, j * k, d>(column[k]); });
+                      JEX_INLINE { t[k * B + j] = times_constant<N, j * k, d, T>(column[k]); });
     });
     unrolled<A>([&](auto k) JEX_INLINE {
       Dft<B, d, T>::run([&](int j) JEX_INLINE { return t[k * B + j]; },

@@ -15,21 +15,20 @@ void exchange(Factor& a, Factor& b) {
 }
 
 // What a pass costs for each element, in some unit: reading, multiplying by a root and storing it,
-// and its share of the butterfly. Measured on lengths up to 4096.
-constexpr float pass_cost[largest_kernel_radix + 1] = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,
-                                                       9.5f,  11.5f, 9.0f,  10.6f, 10.9f, 17.0f,
-                                                       10.5f, 19.0f, 13.0f, 12.0f, 9.9f};
-
+// and its share of the butterfly. Measured on lengths up to 4096. 0 where there is no such pass.
+using Costs = float[largest_kernel_radix + 1];
+constexpr Costs pass_cost = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,  9.5f,  11.5f, 9.0f,
+                             10.6f, 10.9f, 17.0f, 10.5f, 19.0f, 13.0f, 12.0f, 9.9f};
 // In bundles the sixteen streams of the largest radix meet in the same places of the first cache.
-float cost_of(int radix, bool single) {
-  if (radix == largest_kernel_radix && !single) return 10.5f;
-  return radix <= largest_kernel_radix ? pass_cost[radix] : 8.0f + 2.0f * radix;
-}
+constexpr Costs bundle_cost = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,  9.5f,  11.5f, 9.0f,
+                               10.6f, 10.9f, 17.0f, 10.5f, 19.0f, 13.0f, 12.0f, 10.5f};
+constexpr Costs split_cost = {0,    0,    5.0f, 5.5f, 5.0f, 6.5f, 6.8f, 9.0f, 8.0f,
+                              9.0f, 9.0f, 0,    9.0f, 0,    0,    0,    10.5f};
 
 // The cheapest list of radices, none above the one before it.
 class Search {
  public:
-  Search(int32_t n, bool single) : single_(single) { descend(n, last_small, 0, 0); }
+  Search(int32_t n, const Costs& costs, int largest) : costs_(costs) { descend(n, largest, 0, 0); }
   Radices best;
 
  private:
@@ -42,14 +41,14 @@ class Search {
       return;
     }
     for (int r = limit; r > largest_kernel_radix; --r)
-      if (rest % r == 0 && is_prime(r)) return take(r, rest, depth, cost);
+      if (rest % r == 0 && is_prime(r)) return take(r, rest, depth, cost, 8.0f + 2.0f * r);
     for (int r = limit < largest_kernel_radix ? limit : largest_kernel_radix; r > 1; --r)
-      if (rest % r == 0) take(r, rest, depth, cost);
+      if (rest % r == 0 && costs_[r] > 0) take(r, rest, depth, cost, costs_[r]);
   }
-  void take(int r, int32_t rest, int depth, float cost) {
+  void take(int r, int32_t rest, int depth, float cost, float more) {
     if (depth == most_factors) return;
     radix_[depth] = r;
-    descend(rest / r, r, depth + 1, cost + cost_of(r, single_));
+    descend(rest / r, r, depth + 1, cost + more);
   }
   static bool is_prime(int r) {
     for (int d = 2; d * d <= r; ++d)
@@ -57,7 +56,7 @@ class Search {
     return true;
   }
 
-  const bool single_;
+  const Costs& costs_;
   int radix_[most_factors];
   float best_cost_ = 0;
 };
@@ -105,13 +104,18 @@ int factorise(int32_t n, Factor (&factors)[most_factors]) {
 
 Radices choose_radices(int32_t n, bool single) {
   if (n > 1 && n <= largest_kernel_radix) return {1, {n}};
-  const Radices found = Search(n, single).best;
+  const Radices found = Search(n, single ? pass_cost : bundle_cost, last_small).best;
   // Even ones first keeps the lanes of a register in use from the second pass on.
   Radices ordered;
   for (int parity = 0; parity < 2; ++parity)
     for (int i = 0; i < found.count; ++i)
       if (found.radix[i] % 2 == parity) ordered.radix[ordered.count++] = found.radix[i];
   return ordered;
+}
+
+Radices choose_split_radices(int32_t n) {
+  const Radices found = Search(n, split_cost, largest_kernel_radix).best;
+  return found.count > 1 ? found : Radices();
 }
 
 int32_t split_length(int32_t n) {

@@ -27,6 +27,9 @@ struct Radices {
 };
 Radices choose_radices(int32_t n, bool single);
 
+// The same for bundles and passes with split blocks: two radices or more.
+Radices choose_split_radices(int32_t n);
+
 // n = columns * rows, both near the square root; columns is 1 when there is no good one.
 int32_t split_length(int32_t n);
 

@@ -34,10 +34,12 @@ struct Butterfly {
       y = d == Direction::forward ? simd::times_elements<1>(y, w) : simd::times_elements<-1>(y, w);
     }
     T* p = out + k * pass.out_k;
-    if (whole)
-      simd::store_elements(y, p);
-    else
+    if (!whole)
       simd::store_element(y, p);
+    else if (kind == Kind::twisted)
+      simd::scatter_elements(y, p, pass.out_c);
+    else
+      simd::store_elements(y, p);
   }
 
   V gather(Column<T>& column, const T* in) const {
@@ -95,13 +97,15 @@ void run_odd_pass(const Pass<T>& pass, Direction d, Kind kind) {
   const Butterfly<T> whole{pass, d, kind, true}, rest{pass, d, kind, false};
   const Real<T>* roots = pass.roots;
   const T* twist = pass.twist;
-  const ptrdiff_t twist_step = kind == Kind::twisted ? pass.radix * width : 0;
+  const bool twisted = kind == Kind::twisted;
+  const ptrdiff_t twist_step = twisted ? pass.radix * width : 0;
+  const ptrdiff_t out_next = twisted ? pass.out_c * width : width;
   for (int p = 0; p < pass.p_count; ++p) {
     for (int q = 0; q < pass.q_count; ++q) {
       const T* in = pass.in + p * pass.in_p + q * pass.in_q;
       T* out = pass.out + p * pass.out_p + q * pass.out_q;
       int c = pass.c_count;
-      for (; c >= width; c -= width, in += width, out += width, twist += twist_step)
+      for (; c >= width; c -= width, in += width, out += out_next, twist += twist_step)
         whole.run(in, out, roots, twist);
       if (width > 1 && c) {
         rest.run(in, out, roots, twist);

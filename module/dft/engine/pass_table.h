@@ -9,6 +9,8 @@ template <class T, Direction d, Kind kind, int R>
 constexpr PassFunction<T> pass_of() {
   if constexpr (kind == Kind::first)
     return run_first<R, d, T>;
+  else if constexpr (is_split(kind) && !has_split_radix(R))
+    return nullptr;
   else
     return run_pass<R, d, kind, T>;
 }
@@ -26,8 +28,11 @@ constexpr PassFunction<T> pass_of() {
 template <class T, Direction d>
 const PassFunction<T> (&pass_table())[kinds][17] {
   static constexpr PassFunction<T> table[kinds][17] = {
-      JEX_PASSES(Kind::inner), JEX_PASSES(Kind::last), JEX_PASSES(Kind::scaled),
-      JEX_PASSES(Kind::twisted), JEX_PASSES(Kind::first)};
+      JEX_PASSES(Kind::inner),        JEX_PASSES(Kind::last),
+      JEX_PASSES(Kind::scaled),       JEX_PASSES(Kind::twisted),
+      JEX_PASSES(Kind::split_inner),  JEX_PASSES(Kind::split_last),
+      JEX_PASSES(Kind::split_scaled), JEX_PASSES(Kind::split_twisted),
+      JEX_PASSES(Kind::split_entry),  JEX_PASSES(Kind::first)};
   return table;
 }
 

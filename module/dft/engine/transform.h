@@ -1,10 +1,10 @@
 // A transform of one length as a list of passes, or, where the caches are too small for that, as
 // two such lists: n = n1 n2, the columns of an n1 x n2 matrix first, then its rows.
 //
-//        x, row by row             work: one row for each k1         y, row by row
-//      j2 = 0 .. n2-1              times w^(k1 j2)                   k1 = 0 .. n1-1
-//   j1 |  [n1-point, in    ]  ->   k1 |  [n2-point, in     ]  ->     k2 | y(k1 + n1 k2)
-//      |  [bundles of columns]         |  [bundles of rows  ]            |
+//        x, row by row             work, turned: a row for each j2   y, row by row
+//      j2 = 0 .. n2-1              k1 = 0 .. n1-1, times w^(k1 j2)   k1 = 0 .. n1-1
+//   j1 |  [n1-point, in    ]  ->   j2 |  [n2-point, in     ]  ->     k2 | y(k1 + n1 k2)
+//      |  [bundles of columns]        |  [bundles of columns]            |
 //
 // (D. H. Bailey, "FFTs in External or Hierarchical Memory", Journal of Supercomputing 4, 1990). A
 // bundle is as many columns as fill whole cache lines; its passes stay within buffers of its own.
@@ -29,6 +29,7 @@ template <class T>
 struct Passes {
   int length, count;
   bool has_first;  // the first pass is of that kind
+  bool is_split;   // with split blocks between the passes
   Stage<T> stages[most_factors];
 };
 
@@ -41,6 +42,8 @@ struct Transform {
   int bundle;               // columns, or rows, taken at a time
 };
 
+// Bundles of most lengths of small primes go through passes with split blocks.
+//
 // A bundle is two cache lines wide at least. Longer columns touch a page for each element, so there
 // the bundle is as wide as the second-level cache allows for two buffers.
 template <class T>
@@ -63,20 +66,26 @@ bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder ord
 template <class T>
 bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks);
 
-// Elements of a bundle: element c of index j is at base[j * step + c].
+// Elements of a bundle: element c of index j is at base[j * step + c], or in the block there.
 template <class E>
 struct View {
   E* base;
   ptrdiff_t step;
 };
 
+// Factors w^(k1 j2) for the results of a bundle; twist_elements() tells how many.
+template <class T>
+struct Twist {
+  const T* factors;
+  ptrdiff_t turned;  // the distance of neighbours in the output, whose step is that of the index
+};
+
 // The passes between in and out go from buffer to buffer, the first one to buffers[0], which must
 // not be in. The last one may work on the spot: out may be the buffer that it reads, or in where
-// the view is the same. With twist, whose length per bundle twist_elements() tells, the results are
-// multiplied by it.
+// the view is the same.
 template <class T>
 void run_passes(const Passes<T>& passes, Direction d, Real<T> scale, View<const T> in, View<T> out,
-                int width, T* const (&buffers)[2], const T* twist = nullptr);
+                int width, T* const (&buffers)[2], const Twist<T>* twist = nullptr);
 
 // Elements of scratch memory that a run needs.
 template <class T>

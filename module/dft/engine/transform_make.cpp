@@ -13,8 +13,14 @@ constexpr int32_t one_level = 49152 / sizeof(T);
 template <class T>
 constexpr int lanes = Lanes<Real<T>>::count;
 
+// The root of an element of a register pair, or of a block.
 template <class T>
-void put_root(Real<T>* pair, int element, Root w) {
+void put_root(Real<T>* pair, bool split, int element, Root w) {
+  if (split) {
+    pair[element] = Real<T>(w.c);
+    pair[lanes<T> + element] = Real<T>(w.s);
+    return;
+  }
   for (int part = 0; part < 2; ++part) {
     pair[2 * element + part] = Real<T>(w.c);
     pair[lanes<T> + 2 * element + part] = Real<T>(part ? -w.s : w.s);
@@ -22,19 +28,20 @@ void put_root(Real<T>* pair, int element, Root w) {
 }
 
 template <class T>
-const Real<T>* make_roots(const Stage<T>& stage, bool is_first, const Roots& roots,
+const Real<T>* make_roots(const Stage<T>& stage, bool is_first, bool split, const Roots& roots,
                           Blocks& blocks) {
-  const int width = is_first ? Lanes<T>::count : 1;
+  const int elements = split ? Split<T>::count : Lanes<T>::count;
+  const int width = is_first ? elements : 1;
   const int groups = (stage.rest + width - 1) / width;
   auto* table = blocks.take<Real<T>>(uint32_t(groups) * uint32_t(stage.radix - 1) * 2 * lanes<T>);
   if (!table) return nullptr;
   Real<T>* pair = table;
   for (int group = 0; group < groups; ++group)
     for (int k = 1; k < stage.radix; ++k, pair += 2 * lanes<T>)
-      for (int element = 0; element < Lanes<T>::count; ++element) {
+      for (int element = 0; element < elements; ++element) {
         int p = group * width + (is_first ? element : 0);
         if (p >= stage.rest) p = 0;
-        put_root<T>(pair, element, roots(uint32_t(p) * k * stage.before));
+        put_root<T>(pair, split, element, roots(uint32_t(p) * k * stage.before));
       }
   return table;
 }
@@ -60,8 +67,9 @@ bool make_odd_table(OddTable& odd, int radix, Blocks& blocks) {
 }
 
 template <class T>
-bool make_passes(Passes<T>& passes, int32_t n, bool single, Blocks& blocks) {
-  const Radices radices = choose_radices(n, single);
+bool make_passes(Passes<T>& passes, int32_t n, bool single, bool split, Blocks& blocks) {
+  const Radices radices = split ? choose_split_radices(n) : choose_radices(n, single);
+  passes.is_split = split;
   passes.length = n;
   passes.count = radices.count;
   Roots roots;
@@ -76,7 +84,7 @@ bool make_passes(Passes<T>& passes, int32_t n, bool single, Blocks& blocks) {
     const bool is_first = single && i == 0 && stage.rest > 1 && stage.radix <= largest_kernel_radix;
     if (is_first) passes.has_first = true;
     if (stage.rest > 1) {
-      stage.roots = make_roots<T>(stage, is_first, roots, blocks);
+      stage.roots = make_roots<T>(stage, is_first, split, roots, blocks);
       if (!stage.roots) return false;
     }
     if (stage.radix <= largest_kernel_radix) continue;
@@ -103,10 +111,12 @@ bool make_twist_by_rows(Transform<T>& transform, const Roots& roots, Blocks& blo
   return true;
 }
 
-// In each bundle of columns, for each q, for each register of columns: results q + s k in turn.
+// In each bundle of columns, for each q, for each register or block of columns: results q + s k in
+// turn.
 template <class T>
 bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& blocks) {
-  constexpr int lane_count = Lanes<T>::count;
+  const bool split = transform.columns.is_split;
+  const int lane_count = split ? Split<T>::count : Lanes<T>::count;
   const int n1 = transform.columns.length, n2 = transform.rows.length;
   const Stage<T>& last = transform.columns.stages[transform.columns.count - 1];
   T* twist = blocks.take<T>(uint32_t(n1) * rounded_width<T>(n2));
@@ -117,12 +127,23 @@ bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& b
     const int end = first + bundle < n2 ? first + bundle : n2;
     for (int q = 0; q < last.before; ++q)
       for (int c = first; c < end; c += lane_count)
-        for (int k = 0; k < last.radix; ++k)
-          for (int e = 0; e < lane_count; ++e)
-            *twist++ =
-                c + e < end ? element_of<T>(roots(uint32_t(q + last.before * k) * (c + e))) : T{};
+        for (int k = 0; k < last.radix; ++k, twist += lane_count)
+          for (int e = 0; e < lane_count && c + e < end; ++e) {
+            const Root w = roots(uint32_t(q + last.before * k) * (c + e));
+            if (split)
+              put_root<T>(&twist->re, true, e, w);
+            else
+              twist[e] = element_of<T>(w);
+          }
   }
   return true;
+}
+
+// Passes for bundles; across them there are so many columns.
+template <class T>
+bool make_bundle_passes(Passes<T>& passes, int32_t n, int32_t columns, Blocks& blocks) {
+  const bool split = columns % Split<T>::count == 0 && choose_split_radices(n).count;
+  return make_passes(passes, n, false, split, blocks);
 }
 
 }  // namespace
@@ -134,10 +155,12 @@ bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder ord
   transform.has_rows = true;
   transform.bundle = bundle_for<T>(n1 > n2 ? n1 : n2);
   Roots roots;
-  return make_passes(transform.columns, n1, false, blocks) &&
-         make_passes(transform.rows, n2, false, blocks) && roots.make(n1 * n2) &&
-         (order == TwistOrder::rows ? make_twist_by_rows(transform, roots, blocks)
-                                    : make_twist_by_passes(transform, roots, blocks));
+  if (!make_bundle_passes(transform.columns, n1, n2, blocks) || !roots.make(n1 * n2)) return false;
+  if (order == TwistOrder::rows)
+    return make_passes(transform.rows, n2, false, false, blocks) &&
+           make_twist_by_rows(transform, roots, blocks);
+  return make_bundle_passes(transform.rows, n2, n1, blocks) &&
+         make_twist_by_passes(transform, roots, blocks);
 }
 
 template <class T>
@@ -146,7 +169,7 @@ bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks) {
   if (columns >= narrow_bundle<T>)
     return make_levels(transform, columns, n / columns, TwistOrder::passes, blocks);
   transform.length = n;
-  return make_passes(transform.columns, n, true, blocks);
+  return make_passes(transform.columns, n, true, false, blocks);
 }
 
 template bool make_levels(Transform<jex_dcomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
