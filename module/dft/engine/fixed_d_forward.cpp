@@ -2,6 +2,8 @@
 
 namespace jex::dft {
 
-JEX_FIXED_TABLE(jex_dcomplex, Direction::forward)
+template <>
+constinit const FixedTable<jex_dcomplex> Fixeds<jex_dcomplex, Direction::forward>::table =
+    make_fixed_table<jex_dcomplex, Direction::forward>();
 
 }  // namespace jex::dft

@@ -2,6 +2,8 @@
 
 namespace jex::dft {
 
-JEX_FIXED_TABLE(jex_scomplex, Direction::forward)
+template <>
+constinit const FixedTable<jex_scomplex> Fixeds<jex_scomplex, Direction::forward>::table =
+    make_fixed_table<jex_scomplex, Direction::forward>();
 
 }  // namespace jex::dft

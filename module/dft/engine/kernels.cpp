@@ -110,13 +110,6 @@ ComputeEntry fixed_entry_of(int32_t n, bool in_place) {
 }  // namespace
 
 template <class T>
-FixedFunction<T> fixed_function(int n, Direction d) {
-  const FixedTable<T>& table = d == Direction::forward ? fixed_table<T, Direction::forward>()
-                                                       : fixed_table<T, Direction::backward>();
-  return n == longest_fixed_table ? table.last : table.function[n];
-}
-
-template <class T>
 Kernel engine_kernel(Direction d, Order order) {
   constexpr auto forward = Direction::forward, backward = Direction::backward;
   if (order == Order::natural)
@@ -148,11 +141,10 @@ ComputeEntry fixed_entry(int32_t n, Direction d, bool in_place) {
                                  : fixed_entry_of<T, Direction::backward>(n, in_place);
 }
 
-#define INSTANTIATE(T)                                         \
-  template FixedFunction<T> fixed_function<T>(int, Direction); \
-  template Kernel engine_kernel<T>(Direction, Order);          \
-  template Kernel separate_kernel<T>(Direction);               \
-  template Kernel fixed_kernel<T>(int32_t, Direction, Order);  \
+#define INSTANTIATE(T)                                        \
+  template Kernel engine_kernel<T>(Direction, Order);         \
+  template Kernel separate_kernel<T>(Direction);              \
+  template Kernel fixed_kernel<T>(int32_t, Direction, Order); \
   template ComputeEntry fixed_entry<T>(int32_t, Direction, bool);
 INSTANTIATE(jex_dcomplex)
 INSTANTIATE(jex_scomplex)
