@@ -56,8 +56,8 @@ TEST(Factor, PassesMultiplyToTheLength) {
     for (int i = 0; i < split.count; ++i) product *= split.radix[i];
     ASSERT_EQ(product, split.count ? n : 1) << n;
     EXPECT_NE(split.count, 1) << n;
-    if (n > 16) {
-      EXPECT_EQ(split.count > 0, largest < 8) << n;
+    if (n > 64) {
+      EXPECT_EQ(split.count > 0, largest == 2) << n;
     }
   }
 }

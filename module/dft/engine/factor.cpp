@@ -22,8 +22,8 @@ constexpr Costs pass_cost = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,  9.5f,  11
 // In bundles the sixteen streams of the largest radix meet in the same places of the first cache.
 constexpr Costs bundle_cost = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,  9.5f,  11.5f, 9.0f,
                                10.6f, 10.9f, 17.0f, 10.5f, 19.0f, 13.0f, 12.0f, 10.5f};
-constexpr Costs split_cost = {0,    0,    5.0f, 5.5f, 5.0f, 6.5f, 6.8f, 9.0f, 8.0f,
-                              9.0f, 9.0f, 0,    9.0f, 0,    0,    0,    10.5f};
+constexpr Costs split_cost = {0, 0, 1.2f, 0, 1.8f, 0, 0, 0, 2.5f, 0, 0, 0, 0, 0, 0, 0, 3.2f};
+constexpr int shortest_split = 128;
 
 // The cheapest list of radices, none above the one before it.
 class Search {
@@ -114,8 +114,8 @@ Radices choose_radices(int32_t n, bool single) {
 }
 
 Radices choose_split_radices(int32_t n) {
-  const Radices found = Search(n, split_cost, largest_kernel_radix).best;
-  return found.count > 1 ? found : Radices();
+  if (n < shortest_split || (n & (n - 1))) return {};
+  return Search(n, split_cost, largest_kernel_radix).best;
 }
 
 int32_t split_length(int32_t n) {

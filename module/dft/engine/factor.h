@@ -27,7 +27,9 @@ struct Radices {
 };
 Radices choose_radices(int32_t n, bool single);
 
-// The same for bundles and passes with split blocks: two radices or more.
+// The same for bundles whose passes have split blocks: two radices or more. These are faster for
+// powers of two that do not fit the first cache, and slower where a factor is 3, 5 or 7, whose
+// butterflies want more registers than there are.
 Radices choose_split_radices(int32_t n);
 
 // n = columns * rows, both near the square root; columns is 1 when there is no good one.

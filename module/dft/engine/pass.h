@@ -220,6 +220,7 @@ template <class T>
 void run_odd_pass(const Pass<T>& pass, Direction d, Kind kind);
 
 constexpr int largest_kernel_radix = 16;
-constexpr bool has_split_radix(int radix) { return radix <= 10 || radix == 12 || radix == 16; }
+// Powers of two go through split blocks.
+constexpr bool has_split_radix(int radix) { return (radix & (radix - 1)) == 0; }
 
 }  // namespace jex::dft

@@ -42,8 +42,6 @@ struct Transform {
   int bundle;               // columns, or rows, taken at a time
 };
 
-// Bundles of most lengths of small primes go through passes with split blocks.
-//
 // A bundle is two cache lines wide at least. Longer columns touch a page for each element, so there
 // the bundle is as wide as the second-level cache allows for two buffers.
 template <class T>
