@@ -12,6 +12,7 @@ std::vector<Case> all_cases() {
   add_trans(cases);
   add_xblas(cases);
   add_sparse(cases);
+  add_blocks(cases);
   add_fft(cases);
   return cases;
 }

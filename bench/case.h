@@ -50,6 +50,7 @@ void add_level3(std::vector<Case>& cases);
 void add_trans(std::vector<Case>& cases);
 void add_xblas(std::vector<Case>& cases);
 void add_sparse(std::vector<Case>& cases);
+void add_blocks(std::vector<Case>& cases);
 void add_fft(std::vector<Case>& cases);
 
 std::vector<Case> all_cases();

@@ -43,6 +43,7 @@ Peers find_peers() {
   };
   add("Eigen", own + "libjex_bench_eigen.so", "libeigen3-dev");
   add("plain", own + "libjex_bench_plain.so", "none: built with the benchmark");
+  add("our CSR", own + "libjex_bench_own_csr.so", "none: built with the benchmark");
   add("librsb", own + "libjex_bench_rsb.so", "librsb-dev:i386");
   add("netlib", system + "blas/libblas.so.3", "libblas3:i386");
   add("FFTW", own + "libjex_bench_fftw.so", "libfftw3-dev:i386");

@@ -12,18 +12,16 @@
 
 #include "case.h"
 #include "sparse_call.h"
+#include "sparse_patterns.h"
 
 namespace jex::bench {
 namespace {
 
-struct Pattern {
-  jex_int m = 0;
-  std::vector<jex_int> rows{0}, columns;
-
-  void end_row() { rows.push_back(columns.size()), ++m; }
-};
-
 uint32_t next(uint32_t& state) { return state = state * 1664525u + 1013904223u; }
+
+}  // namespace
+
+uint32_t next_random(uint32_t& state) { return next(state); }
 
 Pattern laplacian(int side) {
   Pattern p;
@@ -60,6 +58,8 @@ Pattern scattered(int m, int per_row) {
   }
   return p;
 }
+
+namespace {
 
 Pattern lower(const Pattern& all) {
   Pattern p;

@@ -20,6 +20,8 @@ const std::vector<std::string> dense = {"simd",      "serv",        "blas/level1
 const std::map<std::string, std::set<std::string>> families = {
     {"spblas", {"blas/level1"}},
     {"spblas/csr", {"spblas", "blas/level1"}},
+    {"spblas/bsr", {"spblas", "blas/level1"}},
+    {"spblas/util", {"spblas", "spblas/csr", "blas/level1"}},
     {"dft/engine", {}},
     {"dft/commit", {"dft/engine"}},
     {"pdett", {"dft/engine", "dft/commit"}},
