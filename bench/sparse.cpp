@@ -1,5 +1,5 @@
-// Sparse cases: CSR products with vectors and with eight columns, symmetric products, and
-// triangular solves, on a grid's Laplacian, a matrix of random columns and a banded one.
+// Sparse cases: products with vectors and with eight columns, symmetric products, and triangular
+// solves in the formats, on a grid's Laplacian, a matrix of random columns and a banded one.
 //
 // Products add to y: calls alternate between opposite alphas. Solves get their right-hand side anew
 // before each call, on both sides.
@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 #include <map>
+#include <set>
 
 #include "case.h"
 #include "sparse_call.h"
@@ -95,6 +96,10 @@ class SparseProblem : public Problem {
     base_columns_ = p_.columns;
     if (!routine.by_rows)
       for (auto& column : base_columns_) ++column;
+    for (jex_int i = 0; i < p_.m; ++i) entry_rows_.resize(p_.rows[i + 1], i);
+    base_rows_ = entry_rows_;
+    for (auto& row : base_rows_) ++row;
+    if (is("dia")) find_distances();
     values_.resize(p_.columns.size() * parts);
     x_.resize(size_t(p_.m) * n_ * parts);
     y_ = start_ = x_;
@@ -112,6 +117,8 @@ class SparseProblem : public Problem {
     random(y_, 1);
     start_ = y_;
     parity_ = 0;
+    for (size_t k = 0; is("dia") && k < entry_rows_.size(); ++k)
+      std::copy_n(&values_[k * parts], parts, &diagonals_[place_on_diagonal(k) * parts]);
   }
 
   void run(const Entry& entry, long calls) override {
@@ -131,7 +138,11 @@ class SparseProblem : public Problem {
                                  x_.data(),
                                  ld,
                                  y_.data(),
-                                 ld};
+                                 ld,
+                                 entry_rows_.data(),
+                                 diagonals_.data(),
+                                 distances_.data(),
+                                 jex_int(distances_.size())};
         entry.as<void(const SparseCall*)>()(&call);
       }
     }
@@ -148,8 +159,47 @@ class SparseProblem : public Problem {
   }
 
  private:
+  bool is(const char* format) const { return !strncmp(routine_.name + 1, format, 3); }
+
+  void find_distances() {
+    std::set<jex_int> found;
+    for (size_t k = 0; k < entry_rows_.size(); ++k) found.insert(p_.columns[k] - entry_rows_[k]);
+    distances_.assign(found.begin(), found.end());
+    diagonals_.resize(distances_.size() * p_.m * parts);
+  }
+  size_t place_on_diagonal(size_t k) const {
+    const jex_int distance = p_.columns[k] - entry_rows_[k];
+    const auto d = std::lower_bound(distances_.begin(), distances_.end(), distance);
+    return (d - distances_.begin()) * p_.m + entry_rows_[k];
+  }
+
+  void call_list(const Entry& entry, const void* alpha) {
+    using Int = const jex_int*;
+    const jex_int one = 1, count = entry_rows_.size();
+    const Int i = base_rows_.data(), j = base_columns_.data();
+    if (routine_.kind == Kind::solve)
+      entry.as<void(Int, Int, const void*, const void*, Int, Int, Int, const void*, void*)>()(
+          &p_.m, &p_.m, alpha, values_.data(), i, j, &count, nullptr, y_.data());
+    else
+      entry.as<void(Int, Int, Int, Int, const void*, const void*, Int, Int, Int, const void*,
+                    void*)>()(&one, &count, &p_.m, &p_.m, alpha, values_.data(), i, j, &count,
+                              x_.data(), y_.data());
+  }
+  void call_diagonals(const Entry& entry, const void* alpha) {
+    using Int = const jex_int*;
+    const jex_int count = distances_.size();
+    if (routine_.kind == Kind::solve)
+      entry.as<void(Int, const void*, const void*, Int, Int, Int, void*)>()(
+          &p_.m, alpha, diagonals_.data(), &p_.m, distances_.data(), &count, y_.data());
+    else
+      entry.as<void(Int, Int, Int, Int, const void*, const void*, Int, Int, Int, const void*,
+                    void*)>()(nullptr, nullptr, &p_.m, &p_.m, alpha, diagonals_.data(), &p_.m,
+                              distances_.data(), &count, x_.data(), y_.data());
+  }
   void call(const Entry& entry, const void* alpha, jex_int ld) {
     using Int = const jex_int*;
+    if (is("coo")) return call_list(entry, alpha);
+    if (is("dia")) return call_diagonals(entry, alpha);
     const jex_int one = 1, *rows = p_.rows.data(), *columns = base_columns_.data();
     const void *a = values_.data(), *x = x_.data();
     void* y = y_.data();
@@ -171,8 +221,8 @@ class SparseProblem : public Problem {
   const Routine& routine_;
   Pattern p_;
   const jex_int n_;
-  std::vector<jex_int> base_columns_;
-  std::vector<R> values_, x_, y_, start_;
+  std::vector<jex_int> base_columns_, entry_rows_, base_rows_, distances_;
+  std::vector<R> values_, diagonals_, x_, y_, start_;
   int parity_ = 0;
 };
 
@@ -203,6 +253,25 @@ const Routine routines[] = {
     {"dcsr1ntlnf__svout_seq", "banded", Kind::solve, 0, false, false},
     {"dcsr1ntlnf__smout_par", "laplace1e4", Kind::solve, 8, false, true},
     {"dcsr1ntlnf__smout_par", "banded", Kind::solve, 8, false, false},
+    {"dcoo1ng__f__mvout_par", "laplace1e4", Kind::product, 0, false, true},
+    {"dcoo1ng__f__mvout_par", "laplace1e6", Kind::product, 0, false, false},
+    {"dcoo1ng__f__mvout_par", "random1e7", Kind::product, 0, false, false},
+    {"dcoo1ng__f__mvout_par", "banded", Kind::product, 0, false, false},
+    {"scoo1ng__f__mvout_par", "laplace1e4", Kind::product, 0, false, false},
+    {"zcoo1ng__f__mvout_par", "laplace1e4", Kind::product, 0, false, false},
+    {"dcoo1nslnf__mvout_par", "laplace1e4", Kind::symmetric, 0, false, true},
+    {"dcoo1nslnf__mvout_par", "laplace1e6", Kind::symmetric, 0, false, false},
+    {"dcoo1ntlnf__svout_seq", "laplace1e4", Kind::solve, 0, false, false},
+    {"ddia1ng__f__mvout_par", "laplace1e4", Kind::product, 0, false, true},
+    {"ddia1ng__f__mvout_par", "laplace1e6", Kind::product, 0, false, false},
+    {"ddia1ng__f__mvout_par", "banded", Kind::product, 0, false, false},
+    {"sdia1ng__f__mvout_par", "laplace1e6", Kind::product, 0, false, false},
+    {"zdia1ng__f__mvout_par", "laplace1e4", Kind::product, 0, false, false},
+    {"zdia1ng__f__mvout_par", "laplace1e6", Kind::product, 0, false, false},
+    {"ddia1nslnf__mvout_par", "laplace1e4", Kind::symmetric, 0, false, true},
+    {"ddia1nslnf__mvout_par", "laplace1e6", Kind::symmetric, 0, false, false},
+    {"ddia1ntlnf__svout_seq", "laplace1e4", Kind::solve, 0, false, true},
+    {"ddia1ntlnf__svout_seq", "laplace1e6", Kind::solve, 0, false, false},
 };
 
 int parts(const Routine& r) { return r.name[0] == 'c' || r.name[0] == 'z' ? 2 : 1; }
@@ -224,7 +293,9 @@ Work work(const Routine& r) {
   const auto [m, all] = place->second;
   const double stored = r.kind == Kind::product ? all : (all + m) / 2;
   const double element = parts(r) * (is_double(r) ? 8 : 4), n = std::max(r.n, 1);
-  const double matrix = stored * (element + 4) + 4 * m;
+  const std::string format(r.name + 1, 3);
+  const double indices = format == "dia" ? 0 : format == "coo" ? 8 * stored : 4 * (stored + m);
+  const double matrix = stored * element + indices;
   return {.read_bytes = matrix + 2 * m * n * element,
           .written_bytes = m * n * element,
           .flops = 2 * (r.kind == Kind::solve ? stored : all) * n * (parts(r) == 2 ? 4 : 1),

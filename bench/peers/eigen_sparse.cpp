@@ -67,3 +67,9 @@ PEER(dcsr1ntlnf__svout_seq, double, Vector<Type> side = y<Type>(*c);
 PEER(dcsr1ntlnf__smout_par, double,
      Dense<Type COMMA Eigen::ColMajor> side(static_cast<Type*>(c->y), c->m, c->n);
      matrix<Type>(*c).triangularView<Eigen::Lower>().solveInPlace(side))
+// Eigen has no diagonal storage of several diagonals: its user has the same matrix in rows.
+PEER(ddia1ng__f__mvout_par, double,
+     y<Type>(*c).noalias() += alpha<Type>(*c) * (matrix<Type>(*c) * x<Type>(*c)))
+PEER(ddia1nslnf__mvout_par, double,
+     y<Type>(*c).noalias() +=
+     matrix<Type>(*c).selfadjointView<Eigen::Lower>() * (alpha<Type>(*c) * x<Type>(*c)))

@@ -14,6 +14,10 @@ struct Call {
   const int *const columns, *const rows;
   const T* const x;
   T* const y;
+  const int* const entry_rows;
+  const T* const diagonals;
+  const int* const distances;
+  const int diagonal_count;
 
   explicit Call(const SparseCall& c)
       : m(c.m),
@@ -25,7 +29,11 @@ struct Call {
         columns(c.columns),
         rows(c.rows),
         x(static_cast<const T*>(c.x)),
-        y(static_cast<T*>(c.y)) {}
+        y(static_cast<T*>(c.y)),
+        entry_rows(c.entry_rows),
+        diagonals(static_cast<const T*>(c.diagonals)),
+        distances(c.distances),
+        diagonal_count(c.diagonal_count) {}
 };
 
 template <class T>
@@ -85,6 +93,45 @@ void lower_solve(const Call<T>& c) {
   }
 }
 
+template <class T>
+void triplets(const Call<T>& c) {
+  const int count = c.rows[c.m];
+  for (int k = 0; k < count; ++k) c.y[c.entry_rows[k]] += c.alpha * c.a[k] * c.x[c.columns[k]];
+}
+
+template <class T>
+void symmetric_triplets(const Call<T>& c) {
+  const int count = c.rows[c.m];
+  for (int k = 0; k < count; ++k) {
+    const int i = c.entry_rows[k], j = c.columns[k];
+    const T t = c.alpha * c.a[k];
+    c.y[i] += t * c.x[j];
+    if (j < i) c.y[j] += t * c.x[i];
+  }
+}
+
+template <class T>
+void diagonals(const Call<T>& c) {
+  for (int d = 0; d < c.diagonal_count; ++d) {
+    const int distance = c.distances[d];
+    const T* const a = c.diagonals + size_t(d) * c.m;
+    const int last = distance > 0 ? c.m - distance : c.m;
+    for (int i = distance < 0 ? -distance : 0; i < last; ++i)
+      c.y[i] += c.alpha * a[i] * c.x[i + distance];
+  }
+}
+
+template <class T>
+void diagonal_lower_solve(const Call<T>& c) {
+  for (int i = 0; i < c.m; ++i) {
+    T sum = c.y[i];
+    for (int d = 0; d < c.diagonal_count - 1; ++d)
+      if (i + c.distances[d] >= 0)
+        sum -= c.diagonals[size_t(d) * c.m + i] * c.y[i + c.distances[d]];
+    c.y[i] = sum / c.diagonals[size_t(c.diagonal_count - 1) * c.m + i];
+  }
+}
+
 }  // namespace
 
 #define PEER(name, T, work)                                                             \
@@ -100,3 +147,11 @@ PEER(dcsr1ng__f__mmout_par, double, down_columns)
 PEER(dcsr0ng__c__mmout_par, double, along_rows)
 PEER(dcsr1ntlnf__svout_seq, double, lower_solve)
 PEER(dcsr1ntlnf__smout_par, double, lower_solve)
+PEER(dcoo1ng__f__mvout_par, double, triplets)
+PEER(scoo1ng__f__mvout_par, float, triplets)
+PEER(zcoo1ng__f__mvout_par, std::complex<double>, triplets)
+PEER(dcoo1nslnf__mvout_par, double, symmetric_triplets)
+PEER(ddia1ng__f__mvout_par, double, diagonals)
+PEER(sdia1ng__f__mvout_par, float, diagonals)
+PEER(zdia1ng__f__mvout_par, std::complex<double>, diagonals)
+PEER(ddia1ntlnf__svout_seq, double, diagonal_lower_solve)

@@ -6,6 +6,7 @@
 // Other square matrices with a whole diagonal: their lower triangle by substitution.
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <optional>
 
 #include "families/kernels.h"
@@ -18,6 +19,13 @@
 namespace jex::tour {
 namespace {
 
+template <class Kernel>
+Kernel of_kind(const SparseMatrix& a, Kernel general, Kernel symmetric, Kernel skew) {
+  return a.symmetry == Symmetry::symmetric ? symmetric
+         : a.symmetry == Symmetry::skew    ? skew
+                                           : general;
+}
+
 struct Operator {
   const Module& module;
   const SparseMatrix& a;
@@ -26,9 +34,9 @@ struct Operator {
   void add_product(const Vector& x, Vector& y) const {
     const jex_int one = 1;
     const double unit = 1;
-    const auto kernel = a.symmetry == Symmetry::symmetric ? module.jex_spblas_dcsr1nslnf__mvout_par
-                        : a.symmetry == Symmetry::skew    ? module.jex_spblas_dcsr1nal_f__mvout_par
-                                                          : module.jex_spblas_dcsr1ng__f__mvout_par;
+    const auto kernel =
+        of_kind(a, module.jex_spblas_dcsr1ng__f__mvout_par, module.jex_spblas_dcsr1nslnf__mvout_par,
+                module.jex_spblas_dcsr1nal_f__mvout_par);
     kernel(&one, &a.m, &a.m, &unit, a.values.data(), a.columns.data(), a.rows.data(),
            a.rows.data() + 1, x.data(), y.data());
   }
@@ -114,6 +122,52 @@ Solution conjugate_gradients(const Kernels& kernels, const Operator& op, const V
   return s;
 }
 
+// A x from the same matrix as a list of entries.
+Vector list_product(const Operator& op, const Vector& x) {
+  const SparseMatrix& a = op.a;
+  const jex_int one = 1, count = a.values.size();
+  const double unit = 1;
+  std::vector<jex_int> rows;
+  for (jex_int i = 0; i < a.m; ++i) rows.resize(a.rows[i + 1] - 1, i + 1);
+  Vector y(a.m, 0.0);
+  of_kind(a, op.module.jex_spblas_dcoo1ng__f__mvout_par, op.module.jex_spblas_dcoo1nslnf__mvout_par,
+          op.module.jex_spblas_dcoo1nal_f__mvout_par)(&one, &count, &a.m, &a.n, &unit,
+                                                      a.values.data(), rows.data(),
+                                                      a.columns.data(), &count, x.data(), y.data());
+  return y;
+}
+
+// A x from the same matrix by its diagonals, if there are not too many.
+struct DiagonalProduct {
+  size_t diagonals;
+  Vector y;
+};
+std::optional<DiagonalProduct> diagonal_product(const Operator& op, const Vector& x) {
+  const SparseMatrix& a = op.a;
+  std::map<jex_int, Vector> stored;
+  for (jex_int i = 0; i < a.m; ++i)
+    for (jex_int k = a.rows[i] - 1; k < a.rows[i + 1] - 1; ++k) {
+      Vector& diagonal = stored[a.columns[k] - 1 - i];
+      if (stored.size() > 100) return {};
+      diagonal.resize(a.m, 0.0);
+      diagonal[i] += a.values[k];
+    }
+  Vector values;
+  std::vector<jex_int> distances;
+  for (const auto& [distance, diagonal] : stored) {
+    distances.push_back(distance);
+    values.insert(values.end(), diagonal.begin(), diagonal.end());
+  }
+  const jex_int count = distances.size();
+  const double unit = 1;
+  Vector y(a.m, 0.0);
+  of_kind(a, op.module.jex_spblas_ddia1ng__f__mvout_par, op.module.jex_spblas_ddia1nslnf__mvout_par,
+          op.module.jex_spblas_ddia1nal_f__mvout_par)(nullptr, nullptr, &a.m, &a.n, &unit,
+                                                      values.data(), &a.m, distances.data(), &count,
+                                                      x.data(), y.data());
+  return DiagonalProduct{stored.size(), y};
+}
+
 double product_rate(const Operator& op, const Vector& x, Vector& y) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
@@ -143,6 +197,11 @@ Report sparse(const Context& context) {
                                                                       : "")}};
   const double bound = 64 + 4.0 * a.values.size() / a.m;
   report.checks.push_back({"A times x", text("%d rows", a.m), 1, distance(a, false, x, y), bound});
+  report.checks.push_back({"the same, as a list", text("%zu entries", a.values.size()), 1,
+                           distance(a, false, x, list_product(op, x)), bound});
+  if (const auto product = diagonal_product(op, x))
+    report.checks.push_back({"and by diagonals", text("%zu of them", product->diagonals), 1,
+                             distance(a, false, x, product->y), bound});
   const std::optional<Vector> diagonal = diagonal_of(a);
   const Vector load(a.m, 1.0);
   const bool definite =

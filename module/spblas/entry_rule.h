@@ -32,8 +32,7 @@ consteval Part part(bool conj) { return conj ? Part::conj : Part::plain; }
 consteval Side side(Uplo uplo) { return uplo == Uplo::lower ? Side::lower : Side::upper; }
 
 consteval EntryRule entry_rule(Variant v) {
-  const bool conj = v.op == Op::conj || v.op == Op::conj_transpose;
-  const bool transposed = v.op == Op::transpose || v.op == Op::conj_transpose;
+  const bool conj = is_conjugated(v.op), transposed = is_transposed(v.op);
   switch (v.kind) {
     case Kind::general:
     case Kind::triangular: {
@@ -52,8 +51,9 @@ consteval EntryRule entry_rule(Variant v) {
   }
 }
 
-// The conjugate transpose of a skew-symmetric A is -conj(A): the sign goes to alpha.
-consteval bool negates(Variant v) { return v.kind == Kind::skew && v.op == Op::conj_transpose; }
+// The transpose of a skew-symmetric A is -A, its conjugate transpose -conj(A): the sign goes to
+// alpha.
+consteval bool negates(Variant v) { return v.kind == Kind::skew && is_transposed(v.op); }
 
 // Is the stored diagonal outside the triangle? That of a skew-symmetric matrix is zero.
 consteval bool is_strict(Variant v) { return v.diag == Diag::unit || v.kind == Kind::skew; }

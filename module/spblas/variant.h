@@ -5,6 +5,9 @@
 namespace jex::spblas {
 
 enum class Op { none, transpose, conj_transpose, conj };
+consteval bool is_transposed(Op op) { return op == Op::transpose || op == Op::conj_transpose; }
+consteval bool is_conjugated(Op op) { return op == Op::conj || op == Op::conj_transpose; }
+
 enum class Kind { general, symmetric, hermitian, triangular, diagonal, skew };
 enum class Uplo { none, lower, upper };
 enum class Diag { non_unit, unit };

@@ -22,6 +22,8 @@ const std::map<std::string, std::set<std::string>> families = {
     {"spblas/csr", {"spblas", "blas/level1"}},
     {"spblas/bsr", {"spblas", "blas/level1"}},
     {"spblas/util", {"spblas", "spblas/csr", "blas/level1"}},
+    {"spblas/coo", {"spblas", "blas/level1"}},
+    {"spblas/dia", {"spblas", "blas/level1"}},
     {"dft/engine", {}},
     {"dft/commit", {"dft/engine"}},
     {"pdett", {"dft/engine", "dft/commit"}},

@@ -1,6 +1,7 @@
 // Every CSR product by name: bits of the told order, values of the dense product, ranges.
 
 #include "spblas/csr_model.h"
+#include "spblas/expectations.h"
 
 #include <gtest/gtest.h>
 
@@ -108,24 +109,7 @@ TYPED_TEST(CsrProduct, IsTheDenseProduct) {
       const CsrModel<T> model{p.name, p.a};
       const auto matrix = model.dense(p.columns, false), sizes = model.dense(p.columns, true);
       p.run(1, p.vector ? p.m : p.n);
-      const auto after = p.c.operand.values();
-      const long double eps = std::numeric_limits<Real<T>>::epsilon();
-      for (int j = 0; j < p.n; ++j)
-        for (int i = 0; i < p.c.rows; ++i) {
-          Exact sum = 0;
-          long double size = 0;
-          for (int k = 0; k < p.b.rows; ++k) {
-            const Exact x = exact(p.b.at(k, j));
-            sum += matrix[i * p.b.rows + k] * x;
-            size += size_of(sizes[i * p.b.rows + k]) * size_of(x);
-          }
-          const Exact before = exact(p.c.at(i, j));
-          const long double error =
-              size_of(exact(after[p.c.place(i, j)]) - (before + exact(p.alpha) * sum));
-          const long double bound =
-              4 * (p.columns + p.m + 4) * eps * (size_of(before) + size_of(exact(p.alpha)) * size);
-          if (!(error <= bound)) FAIL() << i << "," << j << ": " << error << " of " << bound;
-        }
+      expect_added(matrix, sizes, p.alpha, p.b, p.c, p.c.operand.values(), p.columns + p.m);
     });
 }
 

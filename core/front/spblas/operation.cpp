@@ -86,7 +86,9 @@ const char* jex_sparse_message(jex_int status) {
       "a column number is out of range",
       "a row's columns do not ascend",
       "a row has no diagonal element",
-      "no memory for partial results"};
+      "no memory for the checks",
+      "a row number is out of range",
+      "the distances do not ascend"};
   const jex_int count = sizeof messages / sizeof *messages;
   return status >= 0 && status < count ? messages[status] : "unknown status";
 }

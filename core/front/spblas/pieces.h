@@ -1,8 +1,9 @@
 // Pieces of work for the core's threads.
 #pragma once
 
-#include <stdint.h>
+#include <jex/types.h>
 
+#include <stdint.h>
 
 namespace jex::front {
 
@@ -13,5 +14,8 @@ inline int pieces_of(int64_t products, int most) {
   const int64_t pieces = products / worth_a_thread;
   return pieces < 1 ? 1 : pieces < most ? int(pieces) : most;
 }
+
+// Where piece q of n elements begins; the last one ends where piece number pieces would begin.
+inline jex_int piece_begin(int64_t n, int q, int pieces) { return jex_int(n * q / pieces); }
 
 }  // namespace jex::front

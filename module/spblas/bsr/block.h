@@ -8,19 +8,13 @@
 
 #include "blas/level1/scalar.h"
 #include "spblas/bsr/matrix.h"
+#include "spblas/operands.h"
 
 namespace jex::spblas::bsr {
 
 using blas::add;
 using blas::multiply;
 using simd::Factor;
-
-// Dense operands by columns; the first one's element of row 0.
-template <class T>
-struct Dense {
-  T* p;
-  ptrdiff_t ld;
-};
 
 // The values of a strip for several columns of the dense operands.
 template <class Strip, int columns>

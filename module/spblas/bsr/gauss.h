@@ -101,9 +101,8 @@ template <class Step>
 }
 
 template <class T, int side>
-[[gnu::noinline, gnu::noclone]] void sweep_rows(const char* sweep, int m, Side<side> lb,
-                                                const Matrix<T>& a, const T* inverse, const T* b,
-                                                T* x) {
+[[gnu::noinline]] void sweep_rows(const char* sweep, int m, Side<side> lb, const Matrix<T>& a,
+                                  const T* inverse, const T* b, T* x) {
   const ptrdiff_t size = ptrdiff_t(lb) * lb;
   T* const rest = on_stack<T>(lb);
   sweep_over(
@@ -125,9 +124,8 @@ template <class T, int side>
 }
 
 template <class T, int side>
-[[gnu::noinline, gnu::noclone]] void sweep_columns(const char* sweep, int m, Side<side> lb,
-                                                   const Matrix<T>& a, const T* inverse, T* r,
-                                                   T* x) {
+[[gnu::noinline]] void sweep_columns(const char* sweep, int m, Side<side> lb, const Matrix<T>& a,
+                                     const T* inverse, T* r, T* x) {
   const ptrdiff_t size = ptrdiff_t(lb) * lb;
   T* const d = on_stack<T>(lb);
   sweep_over(

@@ -24,8 +24,8 @@ struct Operands {
 };
 
 template <Parts parts, class T>
-[[gnu::noinline, gnu::noclone]] void multiply_matrix(const Operands<T>& o, Selection blocks,
-                                                     const T& alpha, const T& mirror_alpha) {
+[[gnu::noinline]] void multiply_matrix(const Operands<T>& o, Selection blocks, const T& alpha,
+                                       const T& mirror_alpha) {
   const Side<0> lb{o.lb};
   for (int i = 0; i < o.rows; ++i) {
     int n = 0;

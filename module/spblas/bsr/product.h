@@ -98,8 +98,8 @@ template <Parts parts, bool overwrites, int columns, int side, class T>
 // y := A x, block rows first .. last - 1, counted from 0. The paths for the sides 2 to 6 take the
 // end of a block row from where the next begins.
 template <class T, int side>
-[[gnu::noinline, gnu::noclone]] void multiply_rows(const Matrix<T>& matrix, Side<side> lb,
-                                                   int first, int last, const T* x, T* y) {
+[[gnu::noinline]] void multiply_rows(const Matrix<T>& matrix, Side<side> lb, int first, int last,
+                                     const T* x, T* y) {
   Matrix<T> a = matrix;
   if (side > 0) a.end = a.begin + 1;
   const T unread = {};
@@ -117,9 +117,8 @@ void gemv(int first, int last, int m, int lb, const Matrix<T>& a, const T* x, T*
 inline Selection triangle(bool upper) { return {upper ? Which::upper : Which::lower, true}; }
 
 template <class T, int side>
-[[gnu::noinline, gnu::noclone]] void multiply_symmetric(const Matrix<T>& a, Side<side> lb,
-                                                        int first, int last, bool upper,
-                                                        const T& alpha, const T* x, T* y) {
+[[gnu::noinline]] void multiply_symmetric(const Matrix<T>& a, Side<side> lb, int first, int last,
+                                          bool upper, const T& alpha, const T* x, T* y) {
   for (int i = first; i < last; ++i)
     multiply_block_row<Parts{true, true, false}, false, 1>(a, lb, i, triangle(upper), alpha, alpha,
                                                            Dense<const T>{x, 0}, Dense<T>{y, 0});

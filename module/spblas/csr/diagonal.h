@@ -1,22 +1,11 @@
-// Kernels of diagonal matrices in CSR storage that are not products by the entry rule: a diagonal
-// of ones, which is not read, and solves. Stored entries beside the diagonal are ignored; several
-// on it add up.
+// Solves with diagonal matrices in CSR storage. Stored entries beside the diagonal are ignored;
+// several on it add up.
 #pragma once
 
 #include "blas/level1/scalar.h"
-#include "blas/level1/update.h"
 #include "spblas/csr/matrix.h"
-#include "spblas/csr/product.h"
 
 namespace jex::spblas::csr {
-
-// C := C + alpha B, m rows and n columns.
-template <Layout layout, class T>
-inline void add_scaled(int m, int n, const T& alpha, Dense<const T> b, Dense<T> c) {
-  const bool by_rows = layout == Layout::row_major;
-  const int lines = by_rows ? m : n, length = by_rows ? n : m;
-  for (int i = 0; i < lines; ++i) blas::axpy(length, alpha, b.p + i * b.ld, 1, c.p + i * c.ld, 1);
-}
 
 // The diagonal element of row number i, 0 if there is none.
 template <bool conj, class T>

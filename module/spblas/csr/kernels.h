@@ -9,15 +9,6 @@
 
 namespace jex::spblas::csr {
 
-template <class T>
-T signed_alpha(bool negative, const T& alpha) {
-  if (!negative) return alpha;
-  if constexpr (is_complex<T>)
-    return {-alpha.re, -alpha.im};
-  else
-    return -alpha;
-}
-
 consteval bool goes_twice(Variant v) {
   return v.kind == Kind::skew ||
          ((v.kind == Kind::symmetric || v.kind == Kind::hermitian) && v.diag == Diag::unit);
@@ -60,9 +51,6 @@ template <Variant v, Layout layout, class T>
         {from_number_0<layout>(b, a.base, ldb), ldb}, {from_number_0<layout>(c, a.base, ldc), ldc});
   }
 }
-
-consteval bool is_transposed(Op op) { return op == Op::transpose || op == Op::conj_transpose; }
-consteval bool is_conjugated(Op op) { return op == Op::conj || op == Op::conj_transpose; }
 
 template <Variant v, Layout layout, class T>
 [[gnu::always_inline]] inline void sv(int m, const Matrix<T>& a, T* y) {

@@ -6,7 +6,7 @@
 // dense operands are shifted so that number r is found at place r. So no kernel knows the base.
 #pragma once
 
-#include "spblas/columns.h"
+#include "spblas/operands.h"
 #include "spblas/sums.h"
 
 #include <jex/types.h>
@@ -53,11 +53,5 @@ struct Rows {
  private:
   static constexpr unsigned scale = sizeof(T) / sizeof(jex_int);
 };
-
-// The column of a dense operand that belongs to element 0, moved to where number 0 would be.
-template <Layout layout, class T>
-[[gnu::always_inline]] inline T* from_number_0(T* p, int base, ptrdiff_t ld) {
-  return at_row<layout>(p, -base, ld);
-}
 
 }  // namespace jex::spblas::csr

@@ -39,12 +39,6 @@ consteval Method matrix_method(EntryRule rule, Layout layout) {
   return {rule, Order::four, Alpha::sum};
 }
 
-template <class T>
-struct Dense {
-  T* p;
-  ptrdiff_t ld;
-};
-
 // Row number i with the entries first .. last - 1, for the group of columns at x and y.
 template <class Group, Method method, Layout layout, class T>
 [[gnu::always_inline]] inline void multiply_row(const Rows<T>& a, int i, Entry first, Entry last,

@@ -60,14 +60,6 @@ inline T divisor(const Rows<T>& a, const SolveRow& r) {
   return d;
 }
 
-template <class T>
-inline T difference(T a, T b) {
-  if constexpr (is_complex<T>)
-    return {a.re - b.re, a.im - b.im};
-  else
-    return a - b;
-}
-
 // The sum s. The unknown of the row before, where a lower row ends with it, is taken from `before`:
 // it would else have to come back from memory, which is most of the time of such a solve.
 template <class Group, Uplo uplo, bool conj, Layout layout, class T>
