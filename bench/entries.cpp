@@ -25,7 +25,14 @@ Entry module_entry(const std::string& routine) {
   // A transform is known by the commit that makes its plan.
   static const std::unordered_map<std::string, std::string> commits = {
       {"zfft", "jex_dft_commit_descriptor_core_d_c2c_1d"},
-      {"cfft", "jex_dft_commit_descriptor_core_s_c2c_1d"}};
+      {"cfft", "jex_dft_commit_descriptor_core_s_c2c_1d"},
+      {"drfft", "jex_dft_commit_descriptor_core_d_r2c_1d"},
+      {"srfft", "jex_dft_commit_descriptor_core_s_r2c_1d"},
+      {"zfft2d", "jex_dft_commit_descriptor_core_d_c2c_md"},
+      {"cfft2d", "jex_dft_commit_descriptor_core_s_c2c_md"},
+      {"drfft2d", "jex_dft_commit_descriptor_core_d_r2c_md"},
+      {"zfft3d", "jex_dft_commit_descriptor_core_d_c2c_md"},
+      {"cfft3d", "jex_dft_commit_descriptor_core_s_c2c_md"}};
   if (const auto commit = commits.find(routine); commit != commits.end())
     return {table.at(commit->second), Abi::module};
   // The drivers of level 3 have an x before their names.

@@ -1,10 +1,13 @@
-// Fourier transforms: forward, complex, one dimension, from one array to another, unscaled. Rates
-// count 5 n log2(n) operations, whatever the algorithm.
+// Fourier transforms: forward, from one array to another, unscaled; complex or real, one dimension
+// or several of the same length. Rates count 5 n log2(n) operations, half of that for real ones,
+// whatever the algorithm.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
+#include <vector>
 
 #include <jex/core.h>
 #include <jex/dft.h>
@@ -22,18 +25,45 @@ EXPORT int fftwf_have_simd_avx2() { return 0; }
 namespace jex::bench {
 namespace {
 
+// rank dimensions of length n; with is_real to the half spectrum.
+struct Shape {
+  jex_int n;
+  int rank = 1;
+  bool is_real = false;
+
+  size_t points() const {
+    size_t all = 1;
+    for (int i = 0; i < rank; ++i) all *= size_t(n);
+    return all;
+  }
+  size_t operands() const { return is_real ? points() : 2 * points(); }
+  size_t results() const { return is_real ? points() / n * (n / 2 + 1) * 2 : 2 * points(); }
+};
+
 template <class R>
 class FftProblem : public Problem {
  public:
-  explicit FftProblem(jex_int n)
-      : n_(n), x_(allocate(n)), y_(allocate(n)), module_(*jex::module()) {
-    constexpr jex_int precision = sizeof(R) == 8 ? JEX_DFT_DOUBLE : JEX_DFT_SINGLE;
-    check(module_.jex_dft_create_descriptor_md(&descriptor_, precision, JEX_DFT_COMPLEX, 1, &n_));
+  explicit FftProblem(const Shape& shape)
+      : n_(shape.n),
+        operands_(shape.operands()),
+        results_(shape.results()),
+        x_(allocate(operands_)),
+        y_(allocate(results_)),
+        module_(*jex::module()) {
+    constexpr bool is_double = sizeof(R) == 8;
+    const std::vector<jex_int> lengths(shape.rank, n_);
+    check(module_.jex_dft_create_descriptor_md(
+        &descriptor_, is_double ? JEX_DFT_DOUBLE : JEX_DFT_SINGLE,
+        shape.is_real ? JEX_DFT_REAL : JEX_DFT_COMPLEX, shape.rank, lengths.data()));
     descriptor_->word[JEX_DFT_PLACEMENT] = JEX_DFT_NOT_IN_PLACE;
+    descriptor_->word[JEX_DFT_CONJUGATE_EVEN_STORAGE] = JEX_DFT_INTERLEAVED;
+    // Rows of the half spectrum without gaps, as the peers have them.
+    for (int i = 1, step = n_ / 2 + 1; shape.is_real && i < shape.rank; ++i, step *= n_)
+      descriptor_[i].word[JEX_DFT_OUTPUT_STRIDE] = step;
     // As a user of the core has it: the ready-made cases first.
-    const auto breakdowns = sizeof(R) == 8 ? module_.jex_dft_apply_bkdowns_d_c2c_1d
-                                           : module_.jex_dft_apply_bkdowns_s_c2c_1d;
-    if (breakdowns(descriptor_) != 0)
+    const auto breakdowns =
+        is_double ? module_.jex_dft_apply_bkdowns_d_c2c_1d : module_.jex_dft_apply_bkdowns_s_c2c_1d;
+    if (shape.is_real || shape.rank > 1 || breakdowns(descriptor_) != 0)
       check(module_.jex_dft_commit_descriptor_core(descriptor_, nullptr));
     std::memcpy(&entry_, &descriptor_->word[JEX_DFT_FORWARD_ENTRY], sizeof entry_);
   }
@@ -51,11 +81,11 @@ class FftProblem : public Problem {
 
   void fill() override {
     uint32_t state = 1;
-    for (jex_int i = 0; i < 2 * n_; ++i) {
+    for (size_t i = 0; i < operands_; ++i) {
       state = state * 1664525u + 1013904223u;
       x_[i] = R(int32_t(state)) * R(0x1p-31);
-      y_[i] = 0;
     }
+    std::fill(y_, y_ + results_, R(0));
   }
 
   void run(const Entry& entry, long calls) override {
@@ -70,18 +100,18 @@ class FftProblem : public Problem {
   double deviation(const Problem& problem) const override {
     const auto& other = static_cast<const FftProblem&>(problem);
     double distance = 0, size = 0;
-    for (jex_int i = 0; i < 2 * n_; ++i) {
+    for (size_t i = 0; i < results_; ++i) {
       const double d = double(y_[i]) - double(other.y_[i]);
       distance += d * d;
       size += double(other.y_[i]) * double(other.y_[i]);
     }
-    const double allowed = 4 * std::numeric_limits<R>::epsilon() * std::log2(2.0 * n_);
+    const double allowed = 4 * std::numeric_limits<R>::epsilon() * std::log2(2.0 * results_);
     return std::sqrt(distance / size) / allowed;
   }
 
  private:
-  static R* allocate(jex_int n) {
-    void* p = std::aligned_alloc(64, (size_t(n) * 2 * sizeof(R) + 63) / 64 * 64);
+  static R* allocate(size_t numbers) {
+    void* p = std::aligned_alloc(64, (numbers * sizeof(R) + 63) / 64 * 64);
     if (!p) throw std::bad_alloc();
     return static_cast<R*>(p);
   }
@@ -90,6 +120,7 @@ class FftProblem : public Problem {
   }
 
   jex_int n_;
+  size_t operands_, results_;
   R *x_, *y_;
   const Module& module_;
   jex_dft_descriptor* descriptor_ = nullptr;
@@ -97,17 +128,21 @@ class FftProblem : public Problem {
 };
 
 template <class R>
-void add(std::vector<Case>& cases, const char* routine, jex_int n) {
-  const double bytes = 2.0 * n * sizeof(R);
-  const Work work{.read_bytes = bytes,
-                  .written_bytes = bytes,
-                  .flops = 5 * n * std::log2(double(n)),
-                  .footprint = 2 * bytes,
+void add(std::vector<Case>& cases, const char* routine, const Shape& shape) {
+  const double points = double(shape.points());
+  const double bytes_in = double(shape.operands()) * sizeof(R),
+               bytes_out = double(shape.results()) * sizeof(R);
+  const Work work{.read_bytes = bytes_in,
+                  .written_bytes = bytes_out,
+                  .flops = (shape.is_real ? 2.5 : 5.0) * points * std::log2(points),
+                  .footprint = bytes_in + bytes_out,
                   .is_double = sizeof(R) == 8,
                   .in_place = false};
-  const bool is_quick = n == 64 || n == 1024 || n == 1000 || n == 65536;
+  const jex_int n = shape.n;
+  const bool is_quick =
+      shape.rank == 1 ? n == 64 || n == 1024 || n == 1000 || n == 65536 : shape.points() == 65536;
   cases.push_back({std::string(routine) + "/" + std::to_string(n), routine, "fft", work, is_quick,
-                   [n] { return std::make_unique<FftProblem<R>>(n); }});
+                   [shape] { return std::make_unique<FftProblem<R>>(shape); }});
 }
 
 }  // namespace
@@ -121,8 +156,19 @@ void add_fft(std::vector<Case>& cases) {
                           30030, 44100, 60000, 100000, 1000000, 101,  149,  1009,  10007})
     lengths.push_back(n);
   for (const jex_int n : lengths) {
-    add<double>(cases, "zfft", n);
-    add<float>(cases, "cfft", n);
+    add<double>(cases, "zfft", {n});
+    add<float>(cases, "cfft", {n});
+    add<double>(cases, "drfft", {.n = n, .is_real = true});
+    add<float>(cases, "srfft", {.n = n, .is_real = true});
+  }
+  for (const jex_int n : {64, 256, 1000, 1024}) {
+    add<double>(cases, "zfft2d", {.n = n, .rank = 2});
+    add<float>(cases, "cfft2d", {.n = n, .rank = 2});
+    add<double>(cases, "drfft2d", {.n = n, .rank = 2, .is_real = true});
+  }
+  for (const jex_int n : {32, 128}) {
+    add<double>(cases, "zfft3d", {.n = n, .rank = 3});
+    add<float>(cases, "cfft3d", {.n = n, .rank = 3});
   }
 }
 

@@ -37,6 +37,7 @@ jex_dft_descriptor share_of(const jex_dft_descriptor& whole, jex_int first, jex_
 }  // namespace
 
 jex_int compute(Transform& t, int entry_word, void* const (&arrays)[4]) {
+  if (t.shared) return t.shared->compute(entry_word == JEX_DFT_FORWARD_ENTRY, arrays);
   const Entry entry = t.pointer<Entry>(entry_word);
   const jex_int count = t.word(JEX_DFT_NUMBER_OF_TRANSFORMS), nio = t.word(JEX_DFT_NIO_ARGS);
   const jex_int threads = std::min(t.word(JEX_DFT_THREADS), count);

@@ -4,7 +4,10 @@
 #include <jex/core.h>
 #include <jex/dfti.h>
 
+#include <memory>
 #include <string.h>
+
+#include "dfti/shared.h"
 
 struct jex_dft_dfti_transform {
   static constexpr uint32_t living = 0x4a784674;
@@ -15,6 +18,7 @@ struct jex_dft_dfti_transform {
   jex_dft_descriptor* records = nullptr;  // one for each dimension, the fastest one first
   jex_int dimensions = 0;
   jex_int thread_limit = 1;
+  std::unique_ptr<jex::dfti::Shared> shared;  // where commit left the transform to several threads
 
   jex_int& word(int at) { return records[0].word[at]; }
   template <class P>

@@ -4,7 +4,9 @@
 
 #include <mutex>
 
+#ifndef _WIN32
 #include <pthread.h>
+#endif
 
 namespace {
 
@@ -13,8 +15,10 @@ std::mutex mutex;
 void take() { mutex.lock(); }
 void give() { mutex.unlock(); }
 
+#ifndef _WIN32
 // Held across fork(), so that what it guards is whole on both sides.
 [[maybe_unused]] const int fork_handlers = pthread_atfork(take, give, give);
+#endif
 
 }  // namespace
 

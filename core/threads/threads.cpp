@@ -1,7 +1,8 @@
 // A pool that grows to what calls ask for. Its threads sleep between calls.
 //
 // A child process has only the thread that forked: it begins with an empty pool. When the core is
-// unloaded the threads are ended first, and each gives its work buffers back.
+// unloaded the threads are ended first, and each gives its work buffers back. On Windows no thread
+// can end while a library is being unloaded, so there a core with a pool stays loaded.
 
 #include "threads/threads.h"
 
@@ -16,7 +17,12 @@
 #include <thread>
 #include <vector>
 
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#else
 #include <pthread.h>
+#endif
 
 namespace jex {
 namespace {
@@ -105,24 +111,24 @@ class Pool {
 std::atomic<Pool*> pool{nullptr};
 std::atomic<int> limit{0};
 
-// The parent's pool stays where it is: its threads are not here to be ended.
-void forget_pool() { pool = nullptr; }
-
-Pool* the_pool() {
-  if (Pool* const found = pool) return found;
-  Pool* const fresh = new (std::nothrow) Pool;
-  Pool* expected = nullptr;
-  if (!fresh || pool.compare_exchange_strong(expected, fresh)) return fresh;
-  delete fresh;
-  return expected;
-}
-
 int limit_from_environment() {
   const char* const text = getenv("JEX_NUM_THREADS");
   const long wanted = text ? strtol(text, nullptr, 10) : 0;
   const long count = wanted > 0 ? wanted : long(std::thread::hardware_concurrency());
   return int(std::clamp(count, 1L, long(most_threads)));
 }
+
+#ifdef _WIN32
+void stay_loaded() {
+  HMODULE self;
+  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                     reinterpret_cast<const char*>(&pool), &self);
+}
+#else
+void stay_loaded() {}
+
+// The parent's pool stays where it is: its threads are not here to be ended.
+void forget_pool() { pool = nullptr; }
 
 [[gnu::constructor]] void watch_forks() { pthread_atfork(nullptr, nullptr, forget_pool); }
 
@@ -131,6 +137,18 @@ int limit_from_environment() {
   if (!last) return;
   last->end();
   delete last;
+}
+#endif
+
+Pool* the_pool() {
+  if (Pool* const found = pool) return found;
+  Pool* const fresh = new (std::nothrow) Pool;
+  Pool* expected = nullptr;
+  if (!fresh) return nullptr;
+  stay_loaded();
+  if (pool.compare_exchange_strong(expected, fresh)) return fresh;
+  delete fresh;
+  return expected;
 }
 
 }  // namespace

@@ -8,6 +8,11 @@
 
 #include "tour/text.h"
 
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#endif
+
 namespace jex::tour {
 
 constexpr size_t largest_file = 16 << 20;
@@ -29,10 +34,21 @@ std::string content_of(const std::string& path) {
   return content;
 }
 
+static std::filesystem::path program_file() {
+#ifdef _WIN32
+  char path[1000] = "";
+  GetModuleFileNameA(nullptr, path, sizeof path - 1);
+  return path;
+#else
+  std::error_code ignored;
+  return std::filesystem::read_symlink("/proc/self/exe", ignored);
+#endif
+}
+
 std::string data_file(const std::string& name) {
   std::error_code ignored;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  const auto installed = program.parent_path().parent_path() / "share/jex" / name;
+  auto installed = program_file().parent_path().parent_path() / "share/jex" / name;
+  installed.make_preferred();
   return std::filesystem::exists(installed, ignored) ? installed.string() : JEX_TOUR_DATA + name;
 }
 

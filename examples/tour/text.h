@@ -8,7 +8,7 @@
 namespace jex::tour {
 
 // The formatted string of printf.
-[[gnu::format(printf, 1, 2)]] std::string text(const char* format, ...);
+[[gnu::format(gnu_printf, 1, 2)]] std::string text(const char* format, ...);
 
 // Foreign text made fit for one line of a terminal or of XML: bytes that are no printable UTF-8
 // become '?', and what exceeds `longest` bytes is cut.

@@ -41,13 +41,13 @@ void write(const std::filesystem::path& path, const std::string& content) {
   std::error_code error;
   std::filesystem::create_directories(path.parent_path(), error);
   if (error)
-    throw UsageError(
-        text("%s cannot be made: %s", path.parent_path().c_str(), error.message().c_str()));
-  FILE* file = std::fopen(path.c_str(), "wb");
+    throw UsageError(text("%s cannot be made: %s", path.parent_path().string().c_str(),
+                          error.message().c_str()));
+  FILE* file = std::fopen(path.string().c_str(), "wb");
   bool written = file && std::fwrite(content.data(), 1, content.size(), file) == content.size();
   if (file) written = std::fclose(file) == 0 && written;
   if (!written)
-    throw UsageError(text("%s cannot be written: %s", path.c_str(), std::strerror(errno)));
+    throw UsageError(text("%s cannot be written: %s", path.string().c_str(), std::strerror(errno)));
 }
 
 std::string family_names() {
@@ -70,7 +70,7 @@ bool show_family(const Family& family, const Options& options, const Module& ker
   for (const Picture& picture : report.pictures) {
     const std::filesystem::path path = std::filesystem::path(options.out) / picture.file;
     write(path, picture.svg);
-    std::printf("  written: %s\n", path.c_str());
+    std::printf("  written: %s\n", path.string().c_str());
   }
   return std::all_of(report.checks.begin(), report.checks.end(),
                      [](const Check& check) { return check.holds(); });

@@ -8,6 +8,7 @@
 #ifndef JEX_CORE_IMPORTS_H
 #define JEX_CORE_IMPORTS_H
 
+#include <jex/dfti.h>
 #include <jex/types.h>
 
 #ifdef __cplusplus
@@ -78,6 +79,15 @@ JEX_API jex_int jex_serv_jex_get_msg(char* text, jex_int size, jex_int number, j
 JEX_API void jex_serv_jex_print(jex_int number, jex_int arguments, ...);
 
 /** @} */
+
+/**
+ * @name Fourier descriptors
+ *
+ * jex/dfti.h declares them with their contracts. The trigonometric transforms and the solvers call
+ * five: jex_dft_dfti_create_descriptor_d_1d(), jex_dft_dfti_set_value_intval(),
+ * jex_dft_dfti_commit_descriptor_external(), jex_dft_dfti_free_descriptor_external() and
+ * jex_dft_dfti_error_message_external().
+ */
 
 /**
  * @name Forwarding targets

@@ -21,17 +21,55 @@
  * | in place     | x                | x.re, x.im                 |
  * | not in place | x, y             | x.re, x.im, y.re, y.im     |
  *
- * The result is 0, 7 (committed without kernels, or for a case that has no driver in this version)
- * or 8 (no free slot for one more user thread). Transform t takes its element j from
- * input_offset + t * input_distance + j * input_stride and leaves result k at
- * output_offset + t * output_distance + k * output_stride, counted in elements of an array; in
- * place the input's three words hold for both sides. Not in place, the arrays must not overlap.
+ * The result is 0, 7 (committed without kernels, or a case without a driver: a packed spectrum of
+ * three dimensions) or 8 (no free slot for one more user thread). Transform t takes its element j
+ * from input_offset + t * input_distance + j * input_stride and leaves result k at output_offset +
+ * t * output_distance + k * output_stride, counted in elements of an array; in place the input's
+ * three words hold for both sides. Not in place, the arrays must not overlap.
+ *
+ * **Real transforms.** The forward operand and the backward result are n numbers, the other side is
+ * the half of the spectrum that determines the rest; r(k) and i(k) are the parts of y(k). With
+ * conjugate_even_storage 39 it is an array of n/2 + 1 complex elements; with 40 packed numbers, in
+ * the layout of packed_format:
+ *
+ * | format    | n even                                     | n odd, h = n/2         |
+ * |-----------|--------------------------------------------|-----------------------|
+ * | Perm (56) | r(0) r(n/2) r(1) i(1) .. r(n/2-1) i(n/2-1) | r(0) r(1) i(1) .. i(h)   |
+ * | Pack (55) | r(0) r(1) i(1) .. r(n/2-1) i(n/2-1) r(n/2) | r(0) r(1) i(1) .. i(h)   |
+ * | CCS (54)  | r(0) 0 r(1) i(1) .. i(n/2-1) r(n/2) 0      | r(0) 0 r(1) i(1) .. i(h) |
+ *
+ * Perm and Pack have n numbers, CCS n + 2 or n + 1. The zeros are written forward and not read
+ * backward, nor are the imaginary parts of y(0) and y(n/2). A call takes x, or x and y: the storage
+ * of complex data (word 16) must be 39. The input words are those of the operand, whichever side it
+ * is. Strides, offsets and distances count numbers; with storage 39 those of the spectrum count
+ * complex elements. In place with storage 39 offsets, distances and the strides of dimensions 1 and
+ * 2 count numbers on both sides, the stride of dimension 0 elements of each side.
+ *
+ * **Several dimensions.** Dimension 0 is record 0. Complex transforms have up to seven, in every
+ * storage, placement and stride. A real one with storage 39 has up to three: dimension 0 has n0/2 +
+ * 1 complex elements, the others their length. In place a row must have room for 2 (n0/2 + 1)
+ * numbers. Backward it keeps its operand where the arrays are two. Packed formats have two
+ * dimensions: every row is packed as above; of the columns those of r(0) and, n0 even, r(n0/2),
+ * whose values are real, are packed in the same way, and those of r(k), i(k) hold the complex
+ * results k1 = 0 .. n1 - 1. Perm, n0 = n1 = 4, with rc and sc the real parts of y(0, c) and y(2, c),
+ * zc = y(1, c):
+ *
+ *     r0     s0     re z0  im z0
+ *     r2     s2     re z1  im z1
+ *     r1     s1     re z2  im z2
+ *     im r1  im s1  re z3  im z3        im r1 = the imaginary part of y(0, 1)
+ *
+ * With CCS the columns of r(0) and r(n0/2) are longer than the others by two numbers, or by one,
+ * and of the columns of zeros n1 rows are written.
  *
  * **Threads.** Commit decides how many threads one call may use (word 96) and gives each a work
  * area: area t begins at work_buffers + t * max_work_size bytes. The module starts no threads. A
  * core that shares out the transforms of a call gives each thread a copy of the first record with
- * its own number_of_transforms, offsets and work_buffers. With user_threads above 1, that many
- * threads may call the entries on the one descriptor, and each call claims an area by itself.
+ * its own number_of_transforms, offsets and work_buffers. A single transform has one thread, unless
+ * one of the words 58 to 61 and 66 to 69 is not 0: then commit leaves it without kernels to the
+ * core, which shares the pieces (jex_dft_d_dft_par()) of a descriptor of its own. With user_threads
+ * above 1, that many threads may call the entries on the one descriptor, and each call claims an
+ * area by itself.
  *
  * **Ordering.** 48 is the natural order. Any other value lets the forward result, and the backward
  * operand, be scrambled: bit-reversed where uses_engine is 0 after commit, which takes a power of

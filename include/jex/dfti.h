@@ -19,15 +19,19 @@
  * | 0 | success |
  * | 1 | no memory |
  * | 2 | no such parameter, or a value that it cannot have |
- * | 3 | settings that do not fit together; not committed |
+ * | 3 | settings that do not fit together (*); not committed |
  * | 5 | no handle |
  * | 6 | not offered: a real transform of four or more dimensions |
- * | 7 | the kernel module is missing, or has no driver for the case in this version |
+ * | 7 | the kernel module is missing |
  * | 8 | more threads compute than were announced |
  * | 9 | a length beyond the engine |
  *
- * Complex transforms of one dimension compute in this version. Real and multi-dimensional ones
- * commit, and their compute functions return 7.
+ * (*) Several transforms in one place; of real transforms: parts apart, a packed format with three
+ * dimensions, rows in place that have no room for their complex elements.
+ *
+ * jex/dft.h tells the layouts of real transforms and what their strides count. One transform of
+ * several dimensions, or a long complex one, is shared by the core's threads too; the bits of a
+ * result do not depend on their number.
  */
 #ifndef JEX_DFTI_H
 #define JEX_DFTI_H
@@ -116,7 +120,8 @@ JEX_API jex_int jex_dft_dfti_commit_descriptor_external(jex_dft_dfti_handle hand
  * @brief Computes all transforms of the descriptor.
  *
  * The arrays follow, as jex/dft.h lists them by placement and storage: one, two or four pointers.
- * Several transforms are shared out among the core's threads where that pays.
+ * Several transforms, or the pieces of one, are shared out among the core's threads where that
+ * pays.
  */
 JEX_API jex_int jex_dft_dfti_compute_forward(jex_dft_dfti_handle handle, void* array, ...);
 JEX_API jex_int jex_dft_dfti_compute_backward(jex_dft_dfti_handle handle, void* array, ...);

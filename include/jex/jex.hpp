@@ -5,6 +5,7 @@
 #ifndef JEX_JEX_HPP
 #define JEX_JEX_HPP
 
+#include <jex/fft.hpp>
 #include <jex/trans.hpp>
 #include <jex/views.hpp>
 #include <jex/xblas.hpp>

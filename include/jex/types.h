@@ -37,7 +37,9 @@ typedef struct {
 } jex_dcomplex;
 
 /** @brief Marks a symbol that a library exports. */
-#if defined(_WIN32)
+#if defined(_WIN32) && defined(JEX_EXPORTS_CORE)
+#define JEX_API __declspec(dllexport)
+#elif defined(_WIN32)
 #define JEX_API
 #else
 #define JEX_API __attribute__((visibility("default")))

@@ -10,6 +10,7 @@
 #include <limits>
 #include <random>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "dft/reference.h"
@@ -35,8 +36,9 @@ class Descriptor {
   static Descriptor complex_1d(jex_int n) {
     return {is_double<T> ? JEX_DFT_DOUBLE : JEX_DFT_SINGLE, JEX_DFT_COMPLEX, {n}};
   }
-  Descriptor(const Descriptor&) = delete;
+  Descriptor(Descriptor&& other) : first_(std::exchange(other.first_, nullptr)) {}
   ~Descriptor() {
+    if (!first_) return;
     if (const auto* active = get<const jex_dft_breakdown*>(JEX_DFT_ACTIVE_BREAKDOWN))
       active->release(first_);
     EXPECT_EQ(jex_dft_free_allocated_buffers(first_), 0);

@@ -27,7 +27,12 @@ const Case cases[] = {
     {"parts apart", 36, 32, {360}, 48, 42},
     {"user threads", 36, 32, {360}, 48, 39, 4},
     {"three dimensions", 36, 32, {60, 17, 302}},
-    {"real", 35, 33, {360, 11}},
+    {"real, two dimensions", 35, 33, {360, 11}},
+    {"real kernel", 36, 33, {15}},
+    {"real, halves", 36, 33, {4096}},
+    {"real, odd levels", 35, 33, {3 * 5 * 7 * 11}},
+    {"real, by definition", 36, 33, {179}},
+    {"real, chirp", 36, 33, {1009}},
 };
 
 void link(Descriptor& d, size_t rank) {
@@ -104,7 +109,30 @@ TEST_F(Failure, CreationAndBreakdown) {
   EXPECT_EQ(jex_dft_apply_bkdowns_d_c2c_1d(d), 0);
 }
 
+// A real kernel that gets no work area takes one for the call.
+TEST_F(Failure, RealKernelWithoutAWorkArea) {
+  Descriptor d(36, 33, {1024});
+  ASSERT_EQ(d.commit(), 0);
+  const long made = xmalloc.live;
+  std::vector<double> x(1026, 1.0);
+  for (const int word : {int(JEX_DFT_PACK_KERNELS_D), JEX_DFT_PACK_KERNELS_D + 1}) {
+    const auto kernel = d.get<jex_int (*)(const void*, void*, jex_dft_descriptor*, void*)>(word);
+    EXPECT_EQ(requests_of([&] { EXPECT_EQ(kernel(x.data(), x.data(), d, nullptr), 0); }), 1);
+    EXPECT_EQ(xmalloc.live, made);
+    xmalloc.fail_in = 1;
+    EXPECT_EQ(kernel(x.data(), x.data(), d, nullptr), 1);
+    EXPECT_EQ(xmalloc.live, made);
+  }
+}
+
 TEST_F(Failure, ComputeAllocatesNothing) {
+  for (const jex_int n : {15, 16, 17, 179, 1009, 1155, 4096}) {
+    Descriptor d(35, 33, {n});
+    d[JEX_DFT_INPUT_STRIDE] = 2;
+    ASSERT_EQ(d.commit(), 0);
+    std::vector<float> x(2 * n + 4);
+    EXPECT_EQ(requests_of([&] { EXPECT_EQ(d.compute(true, x.data()), 0); }), 0) << n;
+  }
   for (const jex_int n : {16, 101, 1009, 8192, 16384})
     for (const jex_int ordering : {48, 49}) {
       Descriptor d = Descriptor::complex_1d<jex_dcomplex>(n);

@@ -3,6 +3,7 @@
 #include "front/blas/xerbla.h"
 
 #include "front/blas/checks.h"
+#include "front/blas/handlers.h"
 
 #include <jex/blas.h>
 
@@ -10,15 +11,6 @@
 #include <stdarg.h>
 #include <stdio.h>
 #include <string.h>
-
-extern "C" {
-// The published names. A program without the drop-in library need not have any of them.
-[[gnu::weak]] JEX_API void xerbla_(const char* routine, const jex_int* position, jex_int length);
-[[gnu::weak]] JEX_API void cblas_xerbla(jex_int position, const char* entry, const char* format,
-                                        ...);
-// Tells a program's own cblas_xerbla that it is a row-major call that it hears of.
-[[gnu::weak]] JEX_API extern int RowMajorStrg;
-}
 
 namespace jex::front {
 namespace {
@@ -54,23 +46,23 @@ jex_int as_the_caller_counts(const char* entry, jex_int position) {
   // Six characters, blanks behind, as Fortran compares them; and an end for readers in C.
   char name[] = "      ";
   for (int i = 0; i < 6 && routine[i]; ++i) name[i] = option(routine + i);
-  (&xerbla_ ? &xerbla_ : &jex_xerbla_)(name, &position, 6);
+  handlers().fortran(name, &position, 6);
 }
 
 [[gnu::cold]] void report_c(const char* entry, jex_int position, bool row_major, const char* what,
                             jex_int value) {
-  const auto handler = &cblas_xerbla ? &cblas_xerbla : &jex_cblas_xerbla;
-  const auto tell = [](bool row) {
+  const Handlers handler = handlers();
+  const auto tell = [&](bool row) {
     row_major_call = row;
-    if (&RowMajorStrg) RowMajorStrg = row;
+    if (handler.row_major) *handler.row_major = row;
   };
   tell(row_major);
   if (what) {
     char format[40];
     snprintf(format, sizeof format, "Illegal %s setting, %%d\n", what);
-    handler(position, entry, format, value);
+    handler.c(position, entry, format, value);
   } else {
-    handler(position, entry, "");
+    handler.c(position, entry, "");
   }
   tell(false);
 }
@@ -91,7 +83,7 @@ void jex_xerbla_array_(const char* routine, const jex_int* length, const jex_int
   const jex_int used = std::clamp(*length, 0, 32);
   memset(name, ' ', sizeof name);
   memcpy(name, routine, used);
-  (&xerbla_ ? &xerbla_ : &jex_xerbla_)(name, position, sizeof name);
+  handlers().fortran(name, position, sizeof name);
 }
 
 jex_int jex_lsame_(const char* a, const char* b) { return option(a) == option(b); }

@@ -1,6 +1,8 @@
 #include "dft/commit/commit.h"
 
 #include "dft/engine/kernels.h"
+#include "dft/multi/multi.h"
+#include "dft/real/kernels.h"
 #include "serv/memory_aligned.h"
 
 namespace jex::dft {
@@ -55,13 +57,15 @@ void forget_kernels(Record& descriptor) {
   }
 }
 
+template <class T>
 int32_t make_work_buffers(Record& d) {
-  const int64_t bytes = (int64_t(get(d, max_work_size)) + 63) / 64 * 64;
+  const int64_t bytes =
+      (int64_t(get(d, max_work_size)) + 63) / 64 * 64 + int64_t(scratch_bytes<T>(d));
   if (bytes == 0) return JEX_DFT_SUCCESS;
   const int32_t users = get(d, user_threads);
   const int64_t total = bytes * (users < 2 ? get(d, threads) : users);
   char* block = nullptr;
-  if (total <= 0x7fffffff) {
+  if (bytes <= 0x7fffffff && total <= 0x7fffffff) {
     set(d, max_work_size, int32_t(bytes));
     block = static_cast<char*>(serv::aligned_malloc(uint32_t(total), 64));
   }
@@ -82,7 +86,7 @@ int32_t plan_all(Record& d) {
     forget_kernels<T>(d);
   else if (const int32_t status = plan_dimensions<T>(d))
     return status;
-  return make_work_buffers(d);
+  return make_work_buffers<T>(d);
 }
 
 template <class T>
@@ -91,9 +95,10 @@ void store_entries(Record& d, int32_t domain, bool is_single_dimension) {
   int32_t arrays = in_place ? 1 : 2;
   if (get(d, complex_storage) == JEX_DFT_SEPARATE) arrays *= 2;
   set(d, nio_args, arrays);
-  const bool has_driver = domain == JEX_DFT_COMPLEX && is_single_dimension;
   const auto entry = [&](Direction direction) {
-    return has_driver ? compute_entry<T>(direction, in_place) : no_compute_entry();
+    if (!is_single_dimension) return multi_entry<T>(d, direction, in_place);
+    return domain == JEX_DFT_COMPLEX ? compute_entry<T>(direction, in_place)
+                                     : real_entry<T>(direction, in_place);
   };
   set(d, forward_entry, entry(Direction::forward));
   set(d, backward_entry, entry(Direction::backward));

@@ -1,5 +1,5 @@
 #include "dft/commit/commit.h"
-#include "dft/engine/plan.h"
+#include "dft/real/plan.h"
 #include "serv/memory_aligned.h"
 
 namespace jex::dft {
@@ -17,8 +17,12 @@ void destroy(Record& record, Word<void*> word) {
   set(record, word, nullptr);
 }
 
-// The plans of real transforms.
-constexpr Word<void*> real_plan_d{88}, real_plan_s{87};
+template <class T>
+void destroy_real(Record& record) {
+  auto* plan = static_cast<Plan<T>*>(get(record, Words<T>::real_plan));
+  destroy_real_plan(static_cast<RealPlan<T>*>(plan));
+  set(record, Words<T>::real_plan, nullptr);
+}
 
 void run_cleanup(Record& record) {
   const Cleanup cleanup = get(record, cleanup_fn);
@@ -45,8 +49,8 @@ void release_record(Record& record) {
   free_buffer(record, aux_buffer_a);
   free_buffer(record, aux_buffer_e);
   free_buffer(record, aux_buffer_d);
-  destroy<jex_dcomplex>(record, real_plan_d);
-  destroy<jex_scomplex>(record, real_plan_s);
+  destroy_real<jex_dcomplex>(record);
+  destroy_real<jex_scomplex>(record);
 }
 
 }  // namespace

@@ -102,6 +102,12 @@ EngineCode create_plan(Plan<T>** out, int32_t n, int32_t mode, int32_t hint) {
 }
 
 template <class T>
+bool make_bundle(Plan<T>& plan) {
+  if (plan.plan_length < 2 || plan.chirp_len) return true;
+  return make_bundle_passes(plan.bundle, plan.plan_length, 1, plan.blocks);
+}
+
+template <class T>
 EngineCode plan_work_size(const Plan<T>* plan, int32_t* bytes) {
   if (!plan || !bytes) return engine_null_pointer;
   *bytes = plan->plan_work_bytes;
@@ -167,6 +173,7 @@ void run_plan(const Plan<T>& plan, Direction d, const T* in, T* out, void* work,
 
 #define INSTANTIATE(T)                                                   \
   template EngineCode create_plan(Plan<T>**, int32_t, int32_t, int32_t); \
+  template bool make_bundle(Plan<T>&);                                   \
   template EngineCode plan_work_size(const Plan<T>*, int32_t*);          \
   template EngineCode destroy_plan(Plan<T>*);                            \
   template void run_plan(const Plan<T>&, Direction, const T*, T*, void*, Real<T>);

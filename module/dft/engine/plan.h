@@ -45,12 +45,17 @@ struct Plan {
   FixedFunction<T> fixed[2];
   // The whole length, or the convolution of chirp_len.
   Transform<T> transform;
+  // The length for lines side by side, of no passes unless asked for.
+  Passes<T> bundle;
   Blocks blocks;
 };
 
 // Plans come zeroed but for what they need; *out stays untouched on failure.
 template <class T>
 EngineCode create_plan(Plan<T>** out, int32_t n, int32_t mode, int32_t hint);
+// Passes for bundles of lines, where the length has such; false when there is no memory.
+template <class T>
+bool make_bundle(Plan<T>& plan);
 template <class T>
 EngineCode plan_work_size(const Plan<T>* plan, int32_t* bytes);
 template <class T>

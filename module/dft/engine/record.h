@@ -78,7 +78,8 @@ struct Words<jex_dcomplex> {
       backward_scale{JEX_DFT_BACKWARD_SCALE_D};
   static constexpr Word<Kernel> backward_kernel{JEX_DFT_KERNEL_BWD_D},
       forward_kernel{JEX_DFT_KERNEL_FWD_D};
-  static constexpr Word<void*> ordered_plan{84}, scrambled_plan{90}, separate_plan{86};
+  static constexpr Word<void*> ordered_plan{84}, scrambled_plan{90}, separate_plan{86},
+      real_plan{88};
   static constexpr int real_kernels = JEX_DFT_REAL_KERNELS_D, pack_kernels = JEX_DFT_PACK_KERNELS_D;
   static constexpr int32_t longest_scrambled_engine = 8192;
 };
@@ -88,7 +89,8 @@ struct Words<jex_scomplex> {
       backward_scale{JEX_DFT_BACKWARD_SCALE_S};
   static constexpr Word<Kernel> backward_kernel{JEX_DFT_KERNEL_BWD_S},
       forward_kernel{JEX_DFT_KERNEL_FWD_S};
-  static constexpr Word<void*> ordered_plan{83}, scrambled_plan{89}, separate_plan{85};
+  static constexpr Word<void*> ordered_plan{83}, scrambled_plan{89}, separate_plan{85},
+      real_plan{87};
   static constexpr int real_kernels = JEX_DFT_REAL_KERNELS_S, pack_kernels = JEX_DFT_PACK_KERNELS_S;
   static constexpr int32_t longest_scrambled_engine = 32768;
 };
@@ -102,6 +104,17 @@ template <class T>
 Word<Kernel> kernel_word(Direction d) {
   return d == Direction::forward ? Words<T>::forward_kernel : Words<T>::backward_kernel;
 }
+// Where a record keeps its complex plan, by the settings, which all records of a chain share.
+// Storage and order are none of a real transform's.
+template <class T>
+Word<void*> complex_plan_word(const Record& record) {
+  if (get(record, forward_domain) == JEX_DFT_REAL) return Words<T>::ordered_plan;
+  if (get(record, complex_storage) == JEX_DFT_SEPARATE) return Words<T>::separate_plan;
+  return get(record, ordering) == JEX_DFT_ORDERED ? Words<T>::ordered_plan
+                                                  : Words<T>::scrambled_plan;
+}
+// Of a pair of words: backward, then forward.
+inline Word<Kernel> in_pair(int first, Direction d) { return {first + (d == Direction::forward)}; }
 
 // Largest lengths of the engine and of the large power-of-two kernel.
 constexpr int32_t longest_pow2 = 134217727, longest_other = 33554431;

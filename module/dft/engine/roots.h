@@ -3,7 +3,7 @@
 
 #include <stdint.h>
 
-#include "serv/platform.h"
+#include "simd/extended.h"
 
 namespace jex::dft {
 
@@ -49,7 +49,8 @@ constexpr Root constant_root(int k, int n) {
 
 // The roots of one order, each from two factors: the turns of x / (8 n) split into whole steps and
 // the rest of a step. All sums of products are of positive terms, so that both parts are within a
-// few units of the extended precision.
+// few units of the extended precision. Whoever makes tables of roots, constant ones too, has an
+// object of this class meanwhile.
 class Roots {
  public:
   Roots() = default;
@@ -60,6 +61,7 @@ class Roots {
   Root operator()(uint32_t k) const;
 
  private:
+  simd::ExtendedPrecision extended_;
   uint32_t n_ = 0;
   int shift_ = 0;
   Root *steps_ = nullptr, *rests_ = nullptr;

@@ -57,6 +57,11 @@ constexpr int bundle_for(int longer) {
 // them.
 enum class TwistOrder { rows, passes };
 
+// Passes for n, for bundles whose widths are multiples of what width is one of; false when there is
+// no memory.
+template <class T>
+bool make_bundle_passes(Passes<T>& passes, int32_t n, int32_t width, Blocks& blocks);
+
 // Tables for n, or for n1 n2 as two levels, from blocks. The record is zero before. False when
 // there is no memory.
 template <class T>
@@ -84,6 +89,12 @@ struct Twist {
 template <class T>
 void run_passes(const Passes<T>& passes, Direction d, Real<T> scale, View<const T> in, View<T> out,
                 int width, T* const (&buffers)[2], const Twist<T>* twist = nullptr);
+
+// A part of one of the two levels, 0 the columns and 1 the rows, of a transform that has rows. All
+// parts share the matrix between the levels, which begins the scratch memory of one of them.
+template <class T>
+void run_level(const Transform<T>& transform, Direction d, int level, int part, int parts,
+               const T* in, T* out, T* matrix, T* scratch, Real<T> scale);
 
 // Elements of scratch memory that a run needs.
 template <class T>

@@ -139,14 +139,13 @@ bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& b
   return true;
 }
 
-// Passes for bundles; across them there are so many columns.
+}  // namespace
+
 template <class T>
-bool make_bundle_passes(Passes<T>& passes, int32_t n, int32_t columns, Blocks& blocks) {
-  const bool split = columns % Split<T>::count == 0 && choose_split_radices(n).count;
+bool make_bundle_passes(Passes<T>& passes, int32_t n, int32_t width, Blocks& blocks) {
+  const bool split = width % Split<T>::count == 0 && choose_split_radices(n).count;
   return make_passes(passes, n, false, split, blocks);
 }
-
-}  // namespace
 
 template <class T>
 bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder order,
@@ -172,6 +171,8 @@ bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks) {
   return make_passes(transform.columns, n, true, false, blocks);
 }
 
+template bool make_bundle_passes(Passes<jex_dcomplex>&, int32_t, int32_t, Blocks&);
+template bool make_bundle_passes(Passes<jex_scomplex>&, int32_t, int32_t, Blocks&);
 template bool make_levels(Transform<jex_dcomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
 template bool make_levels(Transform<jex_scomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
 template bool make_transform(Transform<jex_dcomplex>&, int32_t, Blocks&);

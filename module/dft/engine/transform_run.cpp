@@ -61,26 +61,64 @@ void run_passes(const Passes<T>& passes, Direction d, Real<T> scale, View<const 
 namespace {
 
 template <class T>
-void run_levels(const Transform<T>& transform, Direction d, const T* in, T* out, T* scratch,
-                Real<T> scale) {
+int bundles(const Transform<T>& transform, int lines) {
+  return (lines + transform.bundle - 1) / transform.bundle;
+}
+
+template <class T>
+void run_columns(const Transform<T>& transform, Direction d, const T* in, T* work,
+                 T* const (&buffers)[2], int first, int end) {
   const int n1 = transform.columns.length, n2 = transform.rows.length;
-  const int step = row_step<T>(n1);
-  T* const work = scratch;
-  T* const first = work + ptrdiff_t(n2) * step;
-  const int longer = n1 > n2 ? n1 : n2;
-  const int bundle = transform.bundle;
-  T* const buffers[2] = {first, first + longer * bundle};
-  Twist<T> twist{transform.twist, step};
-  for (int j = 0; j < n2; j += bundle) {
-    const int width = n2 - j < bundle ? n2 - j : bundle;
+  const int step = row_step<T>(n1), bundle = transform.bundle;
+  Twist<T> twist{transform.twist + first * twist_elements<T>(n1, bundle), step};
+  for (int b = first; b < end; ++b) {
+    const int j = b * bundle, width = n2 - j < bundle ? n2 - j : bundle;
     const View<T> turned{work + ptrdiff_t(j) * step, 1};
     run_passes<T>(transform.columns, d, 1, {in + j, n2}, turned, width, buffers, &twist);
     twist.factors += twist_elements<T>(n1, width);
   }
-  for (int k = 0; k < n1; k += bundle) {
-    const int width = n1 - k < bundle ? n1 - k : bundle;
+}
+
+template <class T>
+void run_rows(const Transform<T>& transform, Direction d, const T* work, T* out,
+              T* const (&buffers)[2], int first, int end, Real<T> scale) {
+  const int n1 = transform.columns.length;
+  const int step = row_step<T>(n1), bundle = transform.bundle;
+  for (int b = first; b < end; ++b) {
+    const int k = b * bundle, width = n1 - k < bundle ? n1 - k : bundle;
     run_passes<T>(transform.rows, d, scale, {work + k, step}, {out + k, n1}, width, buffers);
   }
+}
+
+template <class T>
+uint32_t matrix_elements(const Transform<T>& transform) {
+  return uint32_t(transform.rows.length) * row_step<T>(transform.columns.length);
+}
+
+}  // namespace
+
+template <class T>
+void run_level(const Transform<T>& transform, Direction d, int level, int part, int parts,
+               const T* in, T* out, T* matrix, T* scratch, Real<T> scale) {
+  const int n1 = transform.columns.length, n2 = transform.rows.length;
+  T* const first = scratch + matrix_elements(transform);
+  T* const buffers[2] = {first, first + (n1 > n2 ? n1 : n2) * transform.bundle};
+  const int count = bundles(transform, level == 0 ? n2 : n1);
+  const int begin = int(int64_t(count) * part / parts),
+            end = int(int64_t(count) * (part + 1) / parts);
+  if (level == 0)
+    run_columns(transform, d, in, matrix, buffers, begin, end);
+  else
+    run_rows(transform, d, matrix, out, buffers, begin, end, scale);
+}
+
+namespace {
+
+template <class T>
+void run_levels(const Transform<T>& transform, Direction d, const T* in, T* out, T* scratch,
+                Real<T> scale) {
+  for (const int level : {0, 1})
+    run_level(transform, d, level, 0, 1, in, out, scratch, scratch, scale);
 }
 
 }  // namespace
@@ -89,7 +127,7 @@ template <class T>
 uint32_t scratch_elements(const Transform<T>& transform) {
   const uint32_t n1 = transform.columns.length, n2 = transform.rows.length;
   if (!transform.has_rows) return transform.columns.count > 1 ? transform.length : 0;
-  return n2 * row_step<T>(n1) + 2 * transform.bundle * (n1 > n2 ? n1 : n2);
+  return matrix_elements(transform) + 2 * transform.bundle * (n1 > n2 ? n1 : n2);
 }
 
 template <class T>
@@ -106,6 +144,10 @@ template void run_passes(const Passes<jex_dcomplex>&, Direction, double, View<co
 template void run_passes(const Passes<jex_scomplex>&, Direction, float, View<const jex_scomplex>,
                          View<jex_scomplex>, int, jex_scomplex* const (&)[2],
                          const Twist<jex_scomplex>*);
+template void run_level(const Transform<jex_dcomplex>&, Direction, int, int, int,
+                        const jex_dcomplex*, jex_dcomplex*, jex_dcomplex*, jex_dcomplex*, double);
+template void run_level(const Transform<jex_scomplex>&, Direction, int, int, int,
+                        const jex_scomplex*, jex_scomplex*, jex_scomplex*, jex_scomplex*, float);
 template uint32_t scratch_elements(const Transform<jex_dcomplex>&);
 template uint32_t scratch_elements(const Transform<jex_scomplex>&);
 template void run_transform(const Transform<jex_dcomplex>&, Direction, const jex_dcomplex*,

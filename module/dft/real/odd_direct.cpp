@@ -1,0 +1,101 @@
+#include "dft/real/odd_direct.h"
+
+#include "dft/engine/roots.h"
+#include "dft/real/plan.h"
+
+namespace jex::dft {
+namespace {
+
+constexpr int most_pairs = longest_odd_direct / 2;
+
+// The sum over j of pair(j) times root(jk), part by part, for count neighbours k at once.
+template <int count, class T>
+void sums(int n, const T* roots, const T* pairs, int k, T (&y)[count]) {
+  using V = Lanes<T>;
+  using P = Lanes<Real<T>>;
+  P sum[count];
+  int index[count], step[count];
+  unrolled<count>([&](auto i) JEX_INLINE {
+    sum[i] = P::zero();
+    index[i] = step[i] = k + i;
+  });
+  for (int j = 1; j <= n / 2; ++j) {
+    const P pair = V::load_first(pairs + j).parts;
+    unrolled<count>([&](auto i) JEX_INLINE {
+      sum[i] = simd::accumulated(sum[i], pair * V::load_first(roots + index[i]).parts);
+      index[i] += step[i] - n;
+      index[i] += n & (index[i] >> 31);
+    });
+  }
+  unrolled<count>([&](auto i) JEX_INLINE { V{sum[i]}.store_first(&y[i]); });
+}
+
+template <class T, class Put>
+void for_results(int n, const T* roots, const T* pairs, Put put) {
+  int k = 1;
+  for (; k + 1 <= n / 2; k += 2) {
+    T y[2];
+    sums(n, roots, pairs, k, y);
+    put(k, y[0]);
+    put(k + 1, y[1]);
+  }
+  if (k == n / 2) {
+    T y[1];
+    sums(n, roots, pairs, k, y);
+    put(k, y[0]);
+  }
+}
+
+}  // namespace
+
+template <class T>
+const T* make_odd_roots(int32_t n, Blocks& blocks) {
+  using R = Real<T>;
+  Roots roots;
+  T* const table = blocks.take<T>(uint32_t(n));
+  if (!table || !roots.make(uint32_t(n))) return nullptr;
+  for (int32_t k = 0; k < n; ++k) {
+    const Root w = roots(uint32_t(k));
+    table[k] = {R(w.c), R(-w.s)};
+  }
+  return table;
+}
+
+template <class T>
+void run_odd_direct(int32_t n, const T* roots, Direction d, const Real<T>* in, Real<T>* out,
+                    Real<T> scale) {
+  using R = Real<T>;
+  alignas(16) T pairs[most_pairs + 1];
+  const R first = in[0];
+  R sum = 0;
+  if (d == Direction::forward) {
+    for (int j = 1; j <= n / 2; ++j) {
+      pairs[j] = {in[j] + in[n - j], in[j] - in[n - j]};
+      sum += pairs[j].re;
+    }
+    out[0] = (first + sum) * scale;
+    for_results(n, roots, pairs, [&](int k, T y) JEX_INLINE {
+      out[2 * k - 1] = (first + y.re) * scale;
+      out[2 * k] = y.im * scale;
+    });
+    return;
+  }
+  for (int j = 1; j <= n / 2; ++j) {
+    pairs[j] = {2 * in[2 * j - 1], 2 * in[2 * j]};
+    sum += pairs[j].re;
+  }
+  out[0] = (first + sum) * scale;
+  for_results(n, roots, pairs, [&](int k, T y) JEX_INLINE {
+    out[k] = (first + y.re + y.im) * scale;
+    out[n - k] = (first + y.re - y.im) * scale;
+  });
+}
+
+#define INSTANTIATE(T)                                                                             \
+  template const T* make_odd_roots(int32_t, Blocks&);                                              \
+  template void run_odd_direct(int32_t, const T*, Direction, const simd::Real<T>*, simd::Real<T>*, \
+                               simd::Real<T>);
+INSTANTIATE(jex_dcomplex)
+INSTANTIATE(jex_scomplex)
+
+}  // namespace jex::dft
