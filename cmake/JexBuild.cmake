@@ -23,7 +23,12 @@ target_compile_options(jex_flags INTERFACE
   -falign-loops=32
   -Wall -Wextra -Wno-psabi
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)  # false alarms of g++ 12 in std::string
-target_link_options(jex_flags INTERFACE -Wl,--as-needed -Wl,-z,noexecstack -Wl,-z,defs)
+if(WIN32)
+  # No library of the compiler's own is needed where the programs run.
+  add_link_options(-static)
+else()
+  target_link_options(jex_flags INTERFACE -Wl,--as-needed -Wl,-z,noexecstack -Wl,-z,defs)
+endif()
 target_include_directories(jex_flags INTERFACE
   "${PROJECT_SOURCE_DIR}/include" "${PROJECT_BINARY_DIR}/include")
 set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
@@ -56,7 +61,7 @@ function(jex_export_lists target)
     OUTPUT "${stamp}"
     BYPRODUCTS ${products}
     COMMAND "${CMAKE_COMMAND}" "-DCXX=${CMAKE_CXX_COMPILER}" "-DLISTS=${ARGN}"
-            "-DOUT=${PROJECT_BINARY_DIR}" "-DSOURCE=${PROJECT_SOURCE_DIR}" "-DSTAMP=${stamp}"
+            "-DGMP=${JEX_GMP_DLL}" "-DOUT=${PROJECT_BINARY_DIR}" "-DSOURCE=${PROJECT_SOURCE_DIR}" "-DSTAMP=${stamp}"
             -P "${PROJECT_SOURCE_DIR}/cmake/MakeExports.cmake"
     DEPENDS ${ARGN} "${PROJECT_SOURCE_DIR}/cmake/MakeExports.cmake"
             "${PROJECT_SOURCE_DIR}/cmake/JexExportHeader.cmake"

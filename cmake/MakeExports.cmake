@@ -1,6 +1,7 @@
 # Runs the preprocessor over the export lists and writes what the build needs of them. What did not
 # change is not written, so that a new export recompiles no other family.
-# Arguments: CXX (compiler), LISTS, OUT (build folder), SOURCE (project folder), STAMP.
+# Arguments: CXX (compiler), LISTS, OUT (build folder), SOURCE (project folder), STAMP, GMP (name of
+# the library that a Windows module forwards its jumps to, if it is not libgmp-10).
 
 # Each list by itself: the names of its macros are its own.
 function(preprocess result list)
@@ -59,17 +60,22 @@ ${prototypes}
 ")
 endforeach()
 
-string(REGEX MATCHALL "@[a-z]+ [A-Za-z0-9_]+@" rows "${rows}")
+if(NOT GMP)
+  set(GMP libgmp-10)
+endif()
+string(REGEX MATCHALL "@[a-z]+ [A-Za-z0-9_]+( [A-Za-z0-9_]+)?@" rows "${rows}")
 set(names "")
 set(def "LIBRARY jex_q7t\nEXPORTS\n")
 set(entries "")
 foreach(row ${rows})
-  string(REGEX MATCH "@([a-z]+) ([A-Za-z0-9_]+)@" row "${row}")
+  string(REGEX MATCH "@([a-z]+) ([A-Za-z0-9_]+) ?([A-Za-z0-9_]*)@" row "${row}")
   set(name "${CMAKE_MATCH_2}")
   list(APPEND names "${name}")
   string(APPEND entries "JEX_ENTRY(${name})\n")
   if(CMAKE_MATCH_1 STREQUAL "forward")
     string(APPEND def "  ${name} = jex_core.${name}\n")
+  elseif(CMAKE_MATCH_1 STREQUAL "jump")
+    string(APPEND def "  ${name} = ${GMP}.${CMAKE_MATCH_3}\n")
   else()
     string(APPEND def "  ${name}\n")
   endif()

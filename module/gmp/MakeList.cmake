@@ -8,15 +8,20 @@ cmake_minimum_required(VERSION 3.22)
 # Every declaration of the header, streams and va_list included, one to a line.
 file(WRITE "${WORK}/gmp_declarations.c" "#include <stdarg.h>\n#include <stdio.h>\n#include <gmp.h>\n")
 execute_process(
-  COMMAND "${CXX}" -m32 -E -P -x c "-I${INCLUDE}" "${WORK}/gmp_declarations.c"
+  COMMAND "${CXX}" -m32 -E -P -x c -U__declspec "-D__declspec(word)=" "-I${INCLUDE}" "${WORK}/gmp_declarations.c"
   OUTPUT_VARIABLE text RESULT_VARIABLE status)
-execute_process(COMMAND "${NM}" -D --defined-only "${LIBRARY}"
+# An import library of Windows has no dynamic symbols, and C names have an underscore before them.
+set(dynamic -D)
+if(LIBRARY MATCHES "\\.a$")
+  set(dynamic "")
+endif()
+execute_process(COMMAND "${NM}" ${dynamic} --defined-only "${LIBRARY}"
   OUTPUT_VARIABLE symbols RESULT_VARIABLE nm_status)
 if(NOT status EQUAL 0 OR NOT nm_status EQUAL 0)
   message(FATAL_ERROR "gmp.h (${INCLUDE}) or ${LIBRARY} cannot be read.")
 endif()
-string(REGEX MATCHALL " [TWi] __gmp[zn]?_[a-z0-9_]+" exported "${symbols}")
-list(TRANSFORM exported REPLACE " [TWi] " "")
+string(REGEX MATCHALL " [TWi] _?__gmp[zn]?_[a-z0-9_]+" exported "${symbols}")
+list(TRANSFORM exported REPLACE " [TWi] _*" "__")
 
 # The five that the core serves have rows of their own.
 file(READ "${FORWARDS}" forwards)

@@ -2,4 +2,6 @@
 // it: routine name, negative position, value, null.
 #pragma once
 
-extern "C" __attribute__((visibility("hidden"))) void jex_serv_empty(...);
+#include "serv/platform.h"
+
+extern "C" JEX_LOCAL void jex_serv_empty(...);

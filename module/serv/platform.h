@@ -5,13 +5,8 @@
 #include <stdint.h>
 
 #ifdef _WIN32
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
+// Declared here alone: the system's header makes macros of words such as near and small.
+extern "C" __declspec(dllimport) void* __stdcall TlsGetValue(unsigned long index);
 #define JEX_LOCAL
 #else
 #include <pthread.h>
@@ -48,7 +43,7 @@ JEX_LOCAL bool set_thread_word(ThreadIndex index, uint32_t word);
 
 inline uint32_t thread_word(ThreadIndex index) {
 #ifdef _WIN32
-  return reinterpret_cast<uintptr_t>(TlsGetValue(static_cast<DWORD>(index)));
+  return reinterpret_cast<uintptr_t>(TlsGetValue(static_cast<unsigned long>(index)));
 #else
   return reinterpret_cast<uintptr_t>(pthread_getspecific(static_cast<pthread_key_t>(index)));
 #endif

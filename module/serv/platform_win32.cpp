@@ -1,5 +1,8 @@
 #include "serv/platform.h"
 
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
 namespace jex::serv::platform {
 
 static_assert(TLS_OUT_OF_INDEXES == static_cast<DWORD>(no_index));
@@ -23,11 +26,9 @@ bool set_thread_word(ThreadIndex index, uint32_t word) {
   return TlsSetValue(static_cast<DWORD>(index), reinterpret_cast<void*>(uintptr_t{word}));
 }
 
-bool prepare_process_fence() { return true; }
-
-bool process_fence() {
-  FlushProcessWriteBuffers();
-  return true;
-}
+// FlushProcessWriteBuffers is such a fence, but Wine has had it do nothing for many years. A
+// thread's own fence costs a few nanoseconds.
+bool prepare_process_fence() { return false; }
+bool process_fence() { return false; }
 
 }  // namespace jex::serv::platform

@@ -1,6 +1,10 @@
 // A library that stands where the module should. Which fault it has is chosen at compile time.
 
+#ifdef _WIN32
+#define API extern "C" __declspec(dllexport)
+#else
 #define API extern "C" __attribute__((visibility("default")))
+#endif
 
 #if defined(FOREIGN_without_version)
 

@@ -92,7 +92,11 @@ TEST_F(Forward, ErrorsComeBack) {
   rewind(file);
   EXPECT_EQ(module->jex_gmp___gmpz_inp_str(x.value, file, 10), 0u);
   fclose(file);
+#ifdef _WIN32
+  file = fopen("NUL", "r");
+#else
   file = fopen("/dev/null", "r");
+#endif
   EXPECT_EQ(module->jex_gmp___gmpz_inp_raw(x.value, file), 0u);
   EXPECT_EQ(module->jex_gmp___gmpz_out_str(file, 10, x.value), 0u) << "the stream is not writable";
 }

@@ -1,7 +1,7 @@
 // load_probe <path of a core>: loads that core, lets it load its module, and prints the answer of
 // jex_core_load(), twice, then the error and the module's path, a line each.
 
-#include <dlfcn.h>
+#include "support/dlfcn.h"
 #include <stdio.h>
 
 int main(int, char** argv) {

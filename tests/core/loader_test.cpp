@@ -4,39 +4,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/dlfcn.h"
+#include "support/process.h"
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 namespace {
 
-class Folder {
- public:
-  Folder() {
-    std::string name = (fs::temp_directory_path() / "jex_loader_XXXXXX").string();
-    path_ = mkdtemp(name.data());
-  }
-  ~Folder() { fs::remove_all(path_); }
-  fs::path operator/(const char* name) const { return path_ / name; }
-
- private:
-  fs::path path_;
-};
-
-std::string output_of(const std::string& command) {
-  std::string text;
-  FILE* pipe = popen(command.c_str(), "r");
-  for (int c; (c = fgetc(pipe)) != EOF;) text += char(c);
-  EXPECT_EQ(pclose(pipe), 0) << command << "\n" << text;
-  return text;
-}
+using jex::test::Folder;
 
 struct Answer {
   std::string first, second, error, path;
@@ -46,19 +27,20 @@ struct Answer {
 // Copies the core into a folder, with `module` beside it under the module's name (none if empty).
 Answer load_with(const std::string& module) {
   const Folder folder;
-  fs::copy_file(CORE_LIBRARY, folder / "libjex_core.so");
-  if (!module.empty()) fs::copy_file(module, folder / "libjex_q7t.so");
-  const std::string standard_error = folder / "stderr";
-  std::istringstream out(
-      output_of(LOAD_PROBE " " + (folder / "libjex_core.so").string() + " 2>" + standard_error));
+  fs::copy_file(CORE_LIBRARY, folder / JEX_CORE_FILE);
+  if (!module.empty()) fs::copy_file(module, folder / JEX_MODULE_FILE);
+#ifdef _WIN32
+  fs::copy_file(fs::path(CORE_LIBRARY).replace_filename(JEX_GMP_FILE), folder / JEX_GMP_FILE);
+#endif
+  const auto outcome = jex::test::run(folder, {LOAD_PROBE, folder / JEX_CORE_FILE});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  std::istringstream out(outcome.out);
   Answer answer;
   getline(out, answer.first);
   getline(out, answer.second);
   getline(out, answer.error);
   getline(out, answer.path);
-  std::ostringstream text;
-  text << std::ifstream(standard_error).rdbuf();
-  answer.standard_error = text.str();
+  answer.standard_error = outcome.err;
   return answer;
 }
 
@@ -67,8 +49,8 @@ TEST(Loader, TakesTheModuleBesideIt) {
   EXPECT_EQ(answer.first, "0") << answer.error;
   EXPECT_EQ(answer.second, "0");
   EXPECT_EQ(answer.error, "");
-  EXPECT_THAT(answer.path, testing::EndsWith("/libjex_q7t.so"));
-  EXPECT_THAT(answer.path, HasSubstr("jex_loader_")) << "not the module of this folder";
+  EXPECT_THAT(answer.path, testing::EndsWith(JEX_MODULE_FILE));
+  EXPECT_THAT(answer.path, HasSubstr("jex-test-")) << "not the module of this folder";
   EXPECT_EQ(answer.standard_error, "");
 }
 
@@ -77,10 +59,10 @@ TEST(Loader, SaysWhatIsWrong) {
     std::string module;
     std::vector<const char*> says;
   } cases[] = {
-      {"", {"cannot be loaded", "libjex_q7t.so"}},
-      {FOREIGN_WITHOUT_VERSION, {"libjex_q7t.so", "not a kernel module", "no dll_cpu_version"}},
-      {FOREIGN_BRANCH_2, {"libjex_q7t.so", "branch 2", "needs branch 3"}},
-      {FOREIGN_INCOMPLETE, {"libjex_q7t.so", "lacks the entry jex_blas_dswap"}},
+      {"", {"cannot be loaded", JEX_MODULE_FILE}},
+      {FOREIGN_WITHOUT_VERSION, {JEX_MODULE_FILE, "not a kernel module", "no dll_cpu_version"}},
+      {FOREIGN_BRANCH_2, {JEX_MODULE_FILE, "branch 2", "needs branch 3"}},
+      {FOREIGN_INCOMPLETE, {JEX_MODULE_FILE, "lacks the entry jex_blas_dswap"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.module.empty() ? "no module" : c.module);
@@ -94,8 +76,9 @@ TEST(Loader, SaysWhatIsWrong) {
 }
 
 TEST(Loader, LooksBesideTheCoreForAProgramAtFixedAddresses) {
-  EXPECT_THAT(output_of(FIXED_ADDRESS_CLIENT),
-              testing::AllOf(testing::StartsWith("0 "), HasSubstr("/libjex_q7t.so")));
+  const Folder folder;
+  EXPECT_THAT(jex::test::run(folder, {FIXED_ADDRESS_CLIENT}).out,
+              testing::AllOf(testing::StartsWith("0 "), HasSubstr(JEX_MODULE_FILE)));
 }
 
 }  // namespace

@@ -7,8 +7,10 @@
 #include <thread>
 #include <vector>
 
+#ifndef _WIN32
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 namespace {
 
@@ -50,6 +52,7 @@ TEST(Lock, BlocksUntilItIsReleased) {
   EXPECT_TRUE(seen_released);
 }
 
+#ifndef _WIN32
 // The child has only the thread that forked; a lock held by another one would stay held for ever.
 TEST(Lock, ChildOfForkInheritsItFree) {
   for (int round = 0; round < 10; ++round) {
@@ -77,5 +80,6 @@ TEST(Lock, ChildOfForkInheritsItFree) {
     jex_serv_unlock();
   }
 }
+#endif
 
 }  // namespace

@@ -12,9 +12,41 @@
 #include <thread>
 #include <vector>
 
+#ifdef _WIN32
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#endif
+
 namespace {
 
-std::set<std::string> flags_of_kernel() {
+#ifdef _WIN32
+
+std::set<std::string> flags_of_system() {
+  std::set<std::string> flags;
+  const struct {
+    DWORD number;  // the later ones have no names in older headers
+    const char* flag;
+  } features[] = {{10, "sse2"}, {13, "pni"}, {36, "ssse3"}, {37, "sse4_1"}, {38, "sse4_2"}};
+  for (const auto& [number, flag] : features)
+    if (IsProcessorFeaturePresent(number)) flags.insert(flag);
+  return flags;
+}
+
+// Of the first second-level cache that the system knows; -1 for none.
+long level2_kib_of_system() {
+  SYSTEM_LOGICAL_PROCESSOR_INFORMATION units[256];
+  DWORD size = sizeof units;
+  if (!GetLogicalProcessorInformation(units, &size)) return -1;
+  for (const auto* unit = units; unit < units + size / sizeof *units; ++unit)
+    if (unit->Relationship == RelationCache && unit->Cache.Level == 2 &&
+        unit->Cache.Type != CacheInstruction)
+      return unit->Cache.Size / 1024;
+  return -1;
+}
+
+#else
+
+std::set<std::string> flags_of_system() {
   std::ifstream file("/proc/cpuinfo");
   for (std::string line; getline(file, line);)
     if (line.rfind("flags", 0) == 0) {
@@ -24,18 +56,8 @@ std::set<std::string> flags_of_kernel() {
   return {};
 }
 
-TEST(Processor, CodeAgreesWithTheKernelsFlags) {
-  const std::set<std::string> flags = flags_of_kernel();
-  ASSERT_TRUE(flags.count("sse2")) << "/proc/cpuinfo shows no flags to compare with";
-  jex_int code = 0;
-  for (const char* flag : {"pni", "ssse3", "sse4_1", "sse4_2"}) {
-    if (!flags.count(flag)) break;
-    ++code;
-  }
-  EXPECT_EQ(jex_serv_cpu_detect(), code);
-}
-
-TEST(Processor, Level2CodeAgreesWithTheKernelsSize) {
+// -1 where the system does not show it.
+long level2_kib_of_system() {
   long kib = -1;
   for (int index = 0; index < 8; ++index) {
     const std::string folder =
@@ -46,7 +68,25 @@ TEST(Processor, Level2CodeAgreesWithTheKernelsSize) {
         level == 2 && kind != "Instruction")
       std::ifstream(folder + "size") >> kib;
   }
-  if (kib < 0) GTEST_SKIP() << "the kernel shows no cache sizes in /sys/devices/system/cpu";
+  return kib;
+}
+
+#endif
+
+TEST(Processor, CodeAgreesWithTheSystemsFlags) {
+  const std::set<std::string> flags = flags_of_system();
+  ASSERT_TRUE(flags.count("sse2")) << "the system shows no flags to compare with";
+  jex_int code = 0;
+  for (const char* flag : {"pni", "ssse3", "sse4_1", "sse4_2"}) {
+    if (!flags.count(flag)) break;
+    ++code;
+  }
+  EXPECT_EQ(jex_serv_cpu_detect(), code);
+}
+
+TEST(Processor, Level2CodeAgreesWithTheSystemsSize) {
+  const long kib = level2_kib_of_system();
+  if (kib < 0) GTEST_SKIP() << "the system shows no cache sizes";
   const jex_int code = kib == 0 ? 0 : kib < 512 ? 1 : kib < 1024 ? 2 : 3;
   EXPECT_EQ(jex_serv_l2cache(), code) << kib << " KiB";
 }

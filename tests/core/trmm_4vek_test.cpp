@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include <dlfcn.h>
+#include "support/dlfcn.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ using Entry = void (*)(const char*, const char*, const char*, const char*, const
 // By name the linker may choose the module's entry: this is the core's own.
 template <class T>
 Entry<T> core_entry() {
-  void* core = dlopen("libjex_core.so", RTLD_NOW | RTLD_NOLOAD);
+  void* core = dlopen(JEX_CORE_FILE, RTLD_NOW | RTLD_NOLOAD);
   return reinterpret_cast<Entry<T>>(
       dlsym(core, sizeof(T) == 8 ? "jex_blas_xdtrmm_4vek" : "jex_blas_xstrmm_4vek"));
 }

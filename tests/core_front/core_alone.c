@@ -1,7 +1,7 @@
 // The fronts of a core that has no module beside it: functions return zero, outputs keep their
 // values, and the process goes on. Argument: path of such a core.
 
-#include <dlfcn.h>
+#include "support/dlfcn.h"
 #include <stdint.h>
 #include <stdio.h>
 

@@ -12,7 +12,11 @@ namespace jex::test {
 enum class Form { fortran, columns, rows, rows_without_memory };
 
 // Requests then come to the hook one by one, so that it can refuse the one that is meant.
+#ifdef _WIN32
+inline const bool cache_off = _putenv("JEX_DISABLE_FAST_MM=1") == 0;
+#else
 inline const bool cache_off = setenv("JEX_DISABLE_FAST_MM", "1", 1) == 0;
+#endif
 
 template <class T>
 struct Level2Cases {

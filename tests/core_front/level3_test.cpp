@@ -8,9 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <thread>
+
+#ifndef _WIN32
+#include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 namespace jex::test {
 namespace {
@@ -159,11 +162,13 @@ TEST(Threads, ServeManyCallersAndChildren) {
     });
   for (auto& caller : callers) caller.join();
   EXPECT_EQ(wrong, 0);
+#ifndef _WIN32
   const pid_t child = fork();
   if (child == 0) _exit(right() ? 0 : 1);
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+#endif
   jex_set_num_threads(0);
 }
 

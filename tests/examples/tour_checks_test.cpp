@@ -10,7 +10,7 @@
 #include "tour/text.h"
 #include "tour/tour.h"
 
-#include "examples/process.h"
+#include "support/process.h"
 
 namespace jex::tour {
 namespace {

@@ -12,7 +12,10 @@
 #include <set>
 #include <string>
 
-#include <dlfcn.h>
+#ifdef _WIN32
+#include "guards/pe_file.h"
+#endif
+#include "support/dlfcn.h"
 
 namespace {
 
@@ -34,11 +37,16 @@ Names defined_in_header() {
 // Functions, not variables, of the library.
 Names functions_of_library() {
   Names names;
+#ifdef _WIN32
+  for (const auto& [name, entry] : jex::test::read_pe(GMP_LIBRARY).exports)
+    if (entry.code) names.insert(name);
+#else
   FILE* pipe = popen("LC_ALL=C nm -D --defined-only '" GMP_LIBRARY "'", "r");
   char kind, name[256];
   while (pipe && fscanf(pipe, "%*s %c %255s", &kind, name) == 2)
     if (kind == 'T' || kind == 'W' || kind == 'i') names.insert(name);
   EXPECT_TRUE(pipe && pclose(pipe) == 0);
+#endif
   return names;
 }
 
@@ -67,8 +75,12 @@ TEST(GmpList, HasEveryFunctionOfHeaderAndLibrary) {
   EXPECT_THAT(entries(), testing::IsSupersetOf(in_core));
 }
 
+#ifdef _WIN32
+// A forwarder is the function.
+const void* target_of(const unsigned char* entry) { return entry; }
+#else
 // call, addl of a distance to EAX, jmp through a slot beside EAX.
-void* target_of(const unsigned char* entry) {
+const void* target_of(const unsigned char* entry) {
   int32_t to_table, to_slot;
   if (entry[0] != 0xe8 || entry[5] != 0x05 || entry[10] != 0xff || entry[11] != 0xa0)
     return nullptr;
@@ -76,11 +88,13 @@ void* target_of(const unsigned char* entry) {
   memcpy(&to_slot, entry + 12, 4);
   return *reinterpret_cast<void* const*>(entry + 5 + to_table + to_slot);
 }
+#endif
 
 TEST(GmpList, EveryEntryJumpsToItsFunction) {
   const jex::Module* module = jex::module();
   ASSERT_NE(module, nullptr) << jex_core_error();
-  void* gmp = dlopen("libgmp.so.10", RTLD_NOW);
+  void* gmp = dlopen(JEX_GMP_FILE, RTLD_NOW);
+  ASSERT_NE(gmp, nullptr) << dlerror();
   int jumps = 0;
   const auto check = [&](const std::string& name, const void* entry) {
     if (name.rfind("jex_gmp_", 0) != 0 || in_core.count(name.substr(8))) return;

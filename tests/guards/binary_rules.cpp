@@ -1,5 +1,8 @@
 #include "guards/binary_rules.h"
 
+#include "guards/core_entries.h"
+#include "guards/instruction_rule.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -49,15 +52,6 @@ std::map<std::string, std::string> exports_of(const std::string& library) {
   return symbols;
 }
 
-// The core's entries that the module may import.
-const char* const import_patterns[] = {
-    "jex_serv_(lock|unlock|cpu_detect|l2cache|jex_get_msg|jex_print)",
-    "jex_dft_dfti_(create_descriptor_d_1d|set_value_intval|commit_descriptor_external|"
-    "free_descriptor_external|error_message_external)",
-    "jex_pdepl_[sd]_(ft|inv_ft|lu_2d|lu_3d|sl_ft|inv_sl_ft|sl_inv_ft|sph_lu_2d|sph_lu_globe)(_[a-z_"
-    "]+)?",
-};
-
 const std::set<std::string> allowed_libraries = {"libc.so.6", "libm.so.6", "libgmp.so.10",
                                                  "libjex_core.so"};
 
@@ -76,9 +70,7 @@ Breaches exports_differ(const std::string& library, const std::vector<std::strin
 
 Breaches foreign_imports(const std::string& library) {
   // The C library versions its symbols; the compiler's start files leave weak ones.
-  std::string all = "(__gmp\\w+|\\w+@GLIBC_[\\d.]+";
-  for (const char* pattern : import_patterns) all += std::string("|") + pattern;
-  const std::regex allowed(all + ")");
+  const std::regex allowed(std::string("__gmp\\w+|\\w+@GLIBC_[\\d.]+|") + core_entries);
   Breaches breaches;
   for_lines_of("nm -D --undefined-only" + quoted(library), [&](const std::string& line) {
     const auto words = words_of(line);
@@ -171,6 +163,14 @@ Breaches static_constructors(const std::string& library) {
   if (symbols && word != frame_dummy && breaches.empty())
     breaches.push_back(".init_array holds " + word + ", frame_dummy is at " + frame_dummy);
   return breaches;
+}
+
+Breaches newer_instructions(const std::string& library) {
+  Disassembly disassembly;
+  for_lines_of("objdump -d -M intel --no-show-raw-insn" + quoted(library),
+               [&](const std::string& line) { disassembly.read(line); });
+  if (!disassembly.instructions) throw std::runtime_error("no instructions in " + library);
+  return disassembly.newer;
 }
 
 }  // namespace jex::test

@@ -30,7 +30,4 @@ Breaches static_constructors(const std::string& library);
 // Every instruction is of SSE3 or older.
 Breaches newer_instructions(const std::string& library);
 
-// The reason why an instruction is newer than SSE3, empty if it is not. Intel syntax of objdump.
-std::string newer_than_sse3(const std::string& instruction);
-
 }  // namespace jex::test

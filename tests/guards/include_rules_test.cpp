@@ -5,8 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
+
+#include "support/process.h"
 
 namespace fs = std::filesystem;
 using jex::test::upward_includes;
@@ -23,16 +24,12 @@ TEST(Includes, OfTheModulePointDownward) {
 
 class Tree : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "jex_includes_XXXXXX").string();
-    root = mkdtemp(name.data());
-  }
-  void TearDown() override { fs::remove_all(root); }
   void write(const char* file, const char* text) {
     fs::create_directories((root / "module" / file).parent_path());
     std::ofstream(root / "module" / file) << text;
   }
-  fs::path root;
+  const jex::test::Folder folder;
+  const fs::path root = folder / "tree";
 };
 
 TEST_F(Tree, EachFaultIsFound) {

@@ -1,10 +1,9 @@
 // Which instructions are newer than SSE3: the one list of them.
 
-#include <cstdio>
-#include <regex>
-#include <stdexcept>
+#include "guards/instruction_rule.h"
 
-#include "guards/binary_rules.h"
+#include <algorithm>
+#include <regex>
 
 namespace jex::test {
 namespace {
@@ -89,27 +88,14 @@ std::string newer_than_sse3(const std::string& instruction) {
   return {};
 }
 
-Breaches newer_instructions(const std::string& library) {
-  const std::string command = "LC_ALL=C objdump -d -M intel --no-show-raw-insn '" + library + "'";
-  FILE* pipe = popen(command.c_str(), "r");
-  if (!pipe) throw std::runtime_error("cannot run " + command);
-  Breaches breaches;
-  long count = 0;
-  char line[1000];
-  while (fgets(line, sizeof line, pipe)) {
-    // "  1234:<tab>mnemonic operands"
-    const std::string text = line;
-    const size_t tab = text.find(":\t");
-    if (tab == std::string::npos) continue;
-    ++count;
-    std::string instruction = text.substr(tab + 2);
-    while (!instruction.empty() && (instruction.back() == '\n' || instruction.back() == ' '))
-      instruction.pop_back();
-    if (const std::string set = newer_than_sse3(instruction); !set.empty())
-      breaches.push_back(set + ": " + text.substr(0, tab) + ": " + instruction);
-  }
-  if (pclose(pipe) != 0 || count == 0) throw std::runtime_error("failed: " + command);
-  return breaches;
+void Disassembly::read(const std::string& line) {
+  // "  1234:<tab>mnemonic operands"
+  const size_t tab = line.find(":\t");
+  if (tab == std::string::npos) return;
+  ++instructions;
+  const std::string instruction = line.substr(tab + 2, line.find_last_not_of(" \r") - tab - 1);
+  if (const std::string set = newer_than_sse3(instruction); !set.empty())
+    newer.push_back(set + ": " + line.substr(0, tab) + ": " + instruction);
 }
 
 }  // namespace jex::test

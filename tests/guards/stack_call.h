@@ -9,9 +9,12 @@ extern "C" {
 extern void (*jex_shifted_target)();
 extern int jex_shift;
 // Called as if they were the target, with up to 64 bytes of arguments. The second one is for
-// results returned through a hidden pointer, which the callee removes from the stack.
+// results returned through a hidden pointer, which the callee removes from the stack; on Windows
+// none does.
 void jex_shifted_call();
+#ifndef _WIN32
 void jex_shifted_call_hidden();
+#endif
 }
 
 namespace jex::test {
@@ -21,7 +24,11 @@ template <class R, class... P, class... A>
 R call_shifted(int shift, R (*target)(P...), A... arguments) {
   jex_shifted_target = reinterpret_cast<void (*)()>(target);
   jex_shift = shift;
+#ifdef _WIN32
+  const auto trampoline = jex_shifted_call;
+#else
   const auto trampoline = std::is_class_v<R> ? jex_shifted_call_hidden : jex_shifted_call;
+#endif
   return reinterpret_cast<R (*)(P...)>(trampoline)(arguments...);
 }
 

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <mutex>
 
+#include "support/imports.h"
+
 inline std::mutex global_lock;
 inline std::atomic<long> locks_taken{0};
 
@@ -15,3 +17,13 @@ extern "C" inline __attribute__((used)) void jex_serv_lock() {
 }
 
 extern "C" inline __attribute__((used)) void jex_serv_unlock() { global_lock.unlock(); }
+
+#ifdef _WIN32
+inline const bool lock_is_in_place = [] {
+  jex::test::replace_import("jex_q7t.dll", "jex_serv_lock",
+                            reinterpret_cast<void*>(&jex_serv_lock));
+  jex::test::replace_import("jex_q7t.dll", "jex_serv_unlock",
+                            reinterpret_cast<void*>(&jex_serv_unlock));
+  return true;
+}();
+#endif

@@ -6,14 +6,14 @@
 #include <stdio.h>
 #include <string.h>
 
-#include <dlfcn.h>
+#include "support/dlfcn.h"
 
 #include "serv/counting_core.h"
 #include "serv/hook/xmalloc.h"
 
 namespace {
 
-void* hook_if_loaded() { return dlopen("libxmalloc.so", RTLD_LAZY | RTLD_NOLOAD); }
+void* hook_if_loaded() { return dlopen(JEX_HOOK_FILE, RTLD_LAZY | RTLD_NOLOAD); }
 
 void print_leave() {
   jex_serv_jex_malloc(0, 0);
@@ -21,7 +21,7 @@ void print_leave() {
 }
 
 void print_hold() {
-  void* hook = dlopen("libxmalloc.so", RTLD_NOW);
+  void* hook = dlopen(JEX_HOOK_FILE, RTLD_NOW);
   auto* raw = hook ? static_cast<Xmalloc*>(dlsym(hook, "xmalloc")) : nullptr;
   void* buffer = jex_serv_allocate(1000, 4096);
   const bool aligned = reinterpret_cast<uintptr_t>(buffer) % 4096 == 0;

@@ -1,53 +1,61 @@
 // Switches and hooks are read once in a process: each case starts the probe anew.
 #include <gtest/gtest.h>
 
-#include <stdio.h>
+#include <stdlib.h>
 #include <string>
+
+#include "support/process.h"
 
 namespace {
 
 const std::string probe = JEX_MEMORY_PROBE;
 const std::string hook_folder = JEX_HOOKS;  // Without the digit of the variant.
 
-std::string run(const std::string& environment, const std::string& argument) {
-  const std::string command = "env -u JEX_MM_DISABLE -u JEX_DISABLE_FAST_MM " + environment + " " +
-                              probe + " '" + argument + "' 2>&1";
-  FILE* pipe = popen(command.c_str(), "r");
-  std::string said(300, '\0');
-  said.resize(fread(said.data(), 1, said.size(), pipe));
-  if (const int status = pclose(pipe)) said += "exit status " + std::to_string(status);
-  return said;
+using jex::test::Environment;
+
+std::string run(const Environment& environment, const std::string& argument) {
+  const jex::test::Folder folder;
+  const auto [status, out, err] = jex::test::run(folder, {probe, argument}, {}, environment);
+  return out + err + (status ? "exit status " + std::to_string(status) : "");
 }
 
-std::string with_hook(int variant) {
-  return "LD_LIBRARY_PATH=" + hook_folder + std::to_string(variant) + " ";
+Environment with_hook(int variant, Environment more = {}) {
+  more.push_back({jex::test::library_path, hook_folder + std::to_string(variant)});
+  return more;
+}
+
+std::string text_of(const Environment& environment) {
+  std::string text;
+  for (const auto& [name, value] : environment) text += name + "=" + value + " ";
+  return text;
 }
 
 const char* const cached = ", aligned, buffers 1, bytes 5096, warm pair without lock, left 0\n";
 const char* const off = ", as it comes, buffers -1, bytes 0, warm pair without lock, left 0\n";
 
 TEST(Process, EitherVariableSwitchesTheCacheOffWhateverItHolds) {
+  const char *const mm = "JEX_MM_DISABLE", *const fast = "JEX_DISABLE_FAST_MM";
   const struct {
-    const char* environment;
+    Environment environment;
     const char* works;
   } cases[] = {
-      {"", cached},
-      {"JEX_MM_DISABLE= JEX_DISABLE_FAST_MM=", cached},
-      {"JEX_MM_DISABLE=0", off},
-      {"JEX_DISABLE_FAST_MM=0", off},
-      {"JEX_DISABLE_FAST_MM= JEX_MM_DISABLE=no", off},
-      {"JEX_MM_DISABLE= JEX_DISABLE_FAST_MM=x", off},
-      {"JEX_MM_DISABLE=fifteen_letters", off},
-      {"JEX_MM_DISABLE=sixteen__letters", off},
-      {"JEX_DISABLE_FAST_MM=much_more_than_the_sixteen_characters_of_the_buffer", off},
+      {{}, cached},
+      {{{mm, ""}, {fast, ""}}, cached},
+      {{{mm, "0"}}, off},
+      {{{fast, "0"}}, off},
+      {{{fast, ""}, {mm, "no"}}, off},
+      {{{mm, ""}, {fast, "x"}}, off},
+      {{{mm, "fifteen_letters"}}, off},
+      {{{mm, "sixteen__letters"}}, off},
+      {{{fast, "much_more_than_the_sixteen_characters_of_the_buffer"}}, off},
   };
   for (const auto& [environment, works] : cases)
-    EXPECT_EQ(run(with_hook(0) + environment, "hold"), std::string("allocator hook") + works)
-        << environment;
+    EXPECT_EQ(run(with_hook(0, environment), "hold"), std::string("allocator hook") + works)
+        << text_of(environment);
 }
 
 TEST(Process, AHookThatIsNotWholeIsNotUsed) {
-  EXPECT_EQ(run("", "hold"), std::string("allocator libc") + cached) << "no hook";
+  EXPECT_EQ(run({}, "hold"), std::string("allocator libc") + cached) << "no hook";
   EXPECT_EQ(run(with_hook(0), "hold"), std::string("allocator hook") + cached);
   EXPECT_EQ(run(with_hook(1), "hold"), std::string("allocator libc") + cached) << "lacks a symbol";
   EXPECT_EQ(run(with_hook(2), "hold"), std::string("allocator libc") + cached) << "a null variable";
@@ -59,8 +67,8 @@ TEST(Process, TheModuleHoldsNoHook) {
 }
 
 TEST(Process, ReturnsMayComeFirst) {
-  for (const char* environment : {"", "JEX_MM_DISABLE=1"})
-    EXPECT_EQ(run(environment, "return first"), "returned\n");
+  EXPECT_EQ(run({}, "return first"), "returned\n");
+  EXPECT_EQ(run({{"JEX_MM_DISABLE", "1"}}, "return first"), "returned\n");
 }
 
 }  // namespace

@@ -3,10 +3,13 @@
 #include "serv/memory_fixture.h"
 
 #include <functional>
-#include <semaphore>
+#include <condition_variable>
+#include <mutex>
 
+#ifndef _WIN32
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 namespace {
 
@@ -19,8 +22,8 @@ class Worker {
   }
   void run(std::function<void()> work) {
     work_ = std::move(work);
-    start_.release();
-    done_.acquire();
+    pass_to(Turn::worker);
+    wait_for(Turn::caller);
   }
   void* allocate(uint32_t size) {
     void* buffer = nullptr;
@@ -34,17 +37,32 @@ class Worker {
   }
 
  private:
+  enum class Turn { caller, worker };
+
+  void pass_to(Turn turn) {
+    {
+      const std::lock_guard hold(mutex_);
+      turn_ = turn;
+    }
+    passed_.notify_all();
+  }
+  void wait_for(Turn turn) {
+    std::unique_lock hold(mutex_);
+    passed_.wait(hold, [&] { return turn_ == turn; });
+  }
   void loop() {
     for (;;) {
-      start_.acquire();
+      wait_for(Turn::worker);
       const bool stop = !work_;
       if (!stop) work_();
-      done_.release();
+      pass_to(Turn::caller);
       if (stop) return;
     }
   }
   std::function<void()> work_;
-  std::binary_semaphore start_{0}, done_{0};
+  Turn turn_ = Turn::caller;
+  std::mutex mutex_;
+  std::condition_variable passed_;
   std::thread thread_{[this] { loop(); }};
 };
 
@@ -142,6 +160,7 @@ TEST_F(Sweep, FullRegistryMeansNoCache) {
   EXPECT_EQ(held(), (Held{1, 100}));
 }
 
+#ifndef _WIN32
 TEST_F(Sweep, AChildOfForkCanSweep) {
   void* used = first.allocate(100);
   const pid_t child = fork();
@@ -156,5 +175,6 @@ TEST_F(Sweep, AChildOfForkCanSweep) {
   EXPECT_EQ(status, 0);
   jex_serv_deallocate(used);
 }
+#endif
 
 }  // namespace

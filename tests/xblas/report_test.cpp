@@ -3,9 +3,9 @@
 
 #include "xblas/product.h"
 
-#include <jex/core.h>
+#include "support/pages.h"
 
-#include <sys/mman.h>
+#include <jex/core.h>
 
 namespace jex::test {
 namespace {
@@ -26,7 +26,7 @@ class Reports : public testing::Test {
   void SetUp() override {
     ASSERT_NE(jex::module(), nullptr) << jex_core_error();
     routine_ = reinterpret_cast<unsigned char*>(jex::module()->jex_blas_dgemm_mscale);
-    protect(PROT_READ | PROT_WRITE | PROT_EXEC);
+    ASSERT_TRUE(allow(routine_, sizeof saved_, Access::everything));
     memcpy(saved_, routine_, sizeof saved_);
     const int32_t distance = reinterpret_cast<unsigned char*>(&record) - (routine_ + 5);
     routine_[0] = 0xe9;  // jmp
@@ -35,14 +35,10 @@ class Reports : public testing::Test {
   }
   void TearDown() override {
     memcpy(routine_, saved_, sizeof saved_);
-    protect(PROT_READ | PROT_EXEC);
+    ASSERT_TRUE(allow(routine_, sizeof saved_, Access::execute));
   }
 
  private:
-  void protect(int access) {
-    const uintptr_t page = uintptr_t(routine_) / 4096 * 4096;
-    ASSERT_EQ(mprotect(reinterpret_cast<void*>(page), 2 * 4096, access), 0);
-  }
   unsigned char* routine_;
   unsigned char saved_[5];
 };

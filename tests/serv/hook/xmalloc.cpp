@@ -9,7 +9,11 @@
 #include <mutex>
 #include <utility>
 
+#ifdef _WIN32
+#define EXPORT extern "C" __declspec(dllexport)
+#else
 #define EXPORT extern "C" __attribute__((visibility("default")))
+#endif
 
 EXPORT Xmalloc xmalloc;
 Xmalloc xmalloc;
@@ -20,10 +24,13 @@ constexpr uint32_t alive = 0x11FE11FE, dead = 0xDEADDEAD;
 constexpr unsigned char fresh_fill = 0xA5, freed_fill = 0xDD, end_fill = 0xB7;
 constexpr size_t end_size = 64;  // behind each block, to show writes beyond it
 
-struct alignas(16) Header {
+// As long as 16 bytes, so that blocks keep the alignment of malloc.
+struct Header {
   uint32_t state;
   size_t size;
+  uint32_t unused[2];
 };
+static_assert(sizeof(Header) == 16);
 
 // The block freed last goes to the next request of its size: the fastest way to a second holder.
 std::mutex mutex;
@@ -45,10 +52,11 @@ Header* take_parked(size_t size) {
 }
 
 void* give(size_t size) {
+  if (size > SIZE_MAX - sizeof(Header) - end_size) return nullptr;
   Header* block = take_parked(size);
   if (!block) block = static_cast<Header*>(malloc(sizeof(Header) + size + end_size));
   if (!block) return nullptr;
-  *block = {alive, size};
+  *block = {alive, size, {}};
   memset(bytes(block), fresh_fill, filled(block));
   memset(bytes(block) + size, end_fill, end_size);
   ++xmalloc.live;
@@ -90,6 +98,7 @@ void* hook_realloc(void* address, size_t size) {
   Header* old = static_cast<Header*>(address) - 1;
   if (!xmalloc.moves && size <= old->size) return address;
   void* moved = give(size);
+  if (!moved) return nullptr;
   memcpy(moved, address, std::min(size, old->size));
   take_back(address);
   return moved;
