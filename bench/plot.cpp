@@ -1,5 +1,5 @@
-// Pictures of a run, drawn by gnuplot: bars of the ratio, one for each routine, and for products of
-// matrices the rates over the order, ours, the peers' and the limit.
+// Pictures of a run, drawn by gnuplot: bars of the ratio, one for each routine; for products of
+// matrices and for transforms the rates over the order, ours, the peers' and the limit.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -95,7 +95,8 @@ void draw_plots(const Results& results, const std::string& folder) {
   std::filesystem::create_directories(folder, error);
   std::map<std::string, std::vector<const Row*>> groups;
   for (const Row& row : results.rows) {
-    if (row.best()) groups[row.c->family + "/" + split(row.c->name).second].push_back(&row);
+    if (row.best() && row.c->family != "fft")
+      groups[row.c->family + "/" + split(row.c->name).second].push_back(&row);
   }
   const auto report = [](bool drawn, const std::string& stem) {
     std::printf(drawn ? "plot: %s.svg\n" : "no plot: %s.svg could not be drawn\n", stem.c_str());
@@ -104,11 +105,11 @@ void draw_plots(const Results& results, const std::string& folder) {
     const std::string stem = folder + "/" + file_name(group);
     report(draw(group, rows, stem), stem);
   }
-  std::map<std::string, std::vector<const Row*>> products;
+  std::map<std::string, std::vector<const Row*>> curves;
   for (const Row& row : results.rows)
-    if (row.c->family == "level3" && row.our_time() > 0)
-      products[split_order(row.c->name).first].push_back(&row);
-  for (const auto& [name, rows] : products) {
+    if ((row.c->family == "level3" || row.c->family == "fft") && row.our_time() > 0)
+      curves[split_order(row.c->name).first].push_back(&row);
+  for (const auto& [name, rows] : curves) {
     const std::string stem = folder + "/rates-" + file_name(name);
     const bool is_double = rows.front()->c->work.is_double;
     const Limits& limits = results.limits;
