@@ -14,6 +14,7 @@ std::vector<Case> all_cases() {
   add_sparse(cases);
   add_blocks(cases);
   add_fft(cases);
+  add_pde(cases);
   return cases;
 }
 

@@ -52,6 +52,7 @@ void add_xblas(std::vector<Case>& cases);
 void add_sparse(std::vector<Case>& cases);
 void add_blocks(std::vector<Case>& cases);
 void add_fft(std::vector<Case>& cases);
+void add_pde(std::vector<Case>& cases);
 
 std::vector<Case> all_cases();
 

@@ -35,6 +35,9 @@ Entry module_entry(const std::string& routine) {
       {"cfft3d", "jex_dft_commit_descriptor_core_s_c2c_md"}};
   if (const auto commit = commits.find(routine); commit != commits.end())
     return {table.at(commit->second), Abi::module};
+  if (routine.find("trig") == 1)
+    return {table.at("jex_pdett_" + routine.substr(0, 1) + "_forward_trig_transform"), Abi::module};
+  if (routine == "dpoisson") return {table.at("jex_pdepl_d_helmholtz_2d"), Abi::module};
   // The drivers of level 3 have an x before their names.
   for (const char* family :
        {"jex_blas_", "jex_blas_x", "jex_spblas_", "jex_trans_jex_", "jex_xblas_blas_"})

@@ -41,7 +41,7 @@ foreach(list ${LISTS})
 #ifndef ${guard}
 #define ${guard}
 
-#include <jex/dft.h>
+#include <jex/dfti.h>
 
 #include <stddef.h>
 

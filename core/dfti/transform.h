@@ -13,9 +13,9 @@ struct jex_dft_dfti_transform {
   static constexpr uint32_t living = 0x4a784674;
   static constexpr int most_dimensions = 7;
 
-  uint32_t state = living;  // anything else after the release
-  const jex::Module* entries = nullptr;
   jex_dft_descriptor* records = nullptr;  // one for each dimension, the fastest one first
+  uint32_t state = living;                // anything else after the release
+  const jex::Module* entries = nullptr;
   jex_int dimensions = 0;
   jex_int thread_limit = 1;
   std::unique_ptr<jex::dfti::Shared> shared;  // where commit left the transform to several threads

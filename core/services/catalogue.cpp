@@ -67,11 +67,37 @@ const Message catalogue[] = {
 
     // What the Fourier descriptor interface said.
     {487, "the Fourier transform failed: %s"},
+
+    // Poisson and Helmholtz solvers: order of the calls, sizes, conditions.
+    {490, "jex: Poisson and Helmholtz solvers"},
+    {530, "an earlier step failed and left the status ipar[0] = %s."},
+    {531, "Initialise and commit the solver again."},
+    {532, "ipar[10] = %s is no number of intervals along the first axis."},
+    {533, "ipar[11] = %s is no number of intervals along the second axis."},
+    {534, "ipar[12] = %s is no number of intervals along the third axis."},
+    {535, "At least 1 is needed, and 2 along an axis that is transformed."},
+    {536, "ipar[3] = %s is no code of boundary conditions."},
+    {537, "Their letters are D for Dirichlet and N for Neumann, one for each side."},
+    {538, "the domain has no positive length along the axis %s,"},
+    {539, "or one of its ends is not where the solver allows it."},
+
+    // The transforms inside, and what the solvers warn of.
+    {540, "the trigonometric transform failed with the status %s."},
+    {541, "The solver is not committed."},
+    {542, "the trigonometric transforms could not be released: status %s."},
+    {543, "q = %s is negative."},
+    {544, "There may be no solution, or many; it is solved all the same."},
+    {545, "ipar[13] to ipar[20] are not those of the commit."},
+    {546, "They are used as they are."},
+    {547, "only the derivatives at the sides are given and q is 0:"},
+    {548, "a constant is free. The right-hand side was made solvable in the least-squares"},
+    {549, "sense, and the solution of mean 0 was taken."},
 };
 const int catalogue_size = sizeof catalogue / sizeof *catalogue;
 
 const FortranTwin fortran_twins[] = {
     {410, 448, 39},  // trigonometric transforms
+    {500, 519, 30},  // Poisson and Helmholtz solvers
 };
 const int fortran_twins_size = sizeof fortran_twins / sizeof *fortran_twins;
 

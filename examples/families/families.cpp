@@ -8,6 +8,7 @@ Report level2(const Context&);
 Report level3(const Context&);
 Report sparse(const Context&);
 Report fourier(const Context&);
+Report poisson(const Context&);
 
 std::span<const Family> families() {
   static constexpr Family list[] = {
@@ -16,6 +17,7 @@ std::span<const Family> families() {
       {"level3", "matrix-matrix kernels: covariance of a series and its factors", level3},
       {"sparse", "sparse kernels: a membrane under load", sparse, Input::matrix},
       {"fourier", "Fourier transforms: the spectrum of a series", fourier},
+      {"poisson", "Poisson and Helmholtz solvers: a known solution and its error", poisson},
   };
   return list;
 }

@@ -246,4 +246,41 @@ std::string draw_structure(const std::string& title, int m, int n, const std::ve
   return document(title, n * scale + 2 * margin, m * scale + 2 * margin, content);
 }
 
+std::string draw_field(const std::string& title, int n, const std::vector<double>& values) {
+  constexpr double margin = 40, longest = 640;
+  constexpr int bands = 24, most_cells = 128;
+  const int cells = std::min(n, most_cells);
+  const double size = longest / cells;
+  const auto [low, high] = std::minmax_element(values.begin(), values.end());
+  const double span = *high > *low ? *high - *low : 1;
+  const auto band_at = [&](int row, int column) {
+    const auto place = [&](int cell) { return size_t((cell + 0.5) * n / cells); };
+    const double v = values[place(row) * n + place(column)];
+    return std::clamp(int((v - *low) / span * bands), 0, bands - 1);
+  };
+  std::vector<std::string> paths(bands);
+  for (int row = 0; row < cells; ++row)
+    for (int first = 0, column = 1; column <= cells; ++column) {
+      if (column < cells && band_at(row, column) == band_at(row, first)) continue;
+      paths[band_at(row, first)] += text("M%.1f %.1fh%.1fv%.1fh-%.1fz", margin + first * size,
+                                         margin + longest - (row + 1) * size,
+                                         (column - first) * size, size, (column - first) * size);
+      first = column;
+    }
+  std::string content = text_element(margin, 26, "font-size=\"15\" font-weight=\"bold\"", title);
+  for (int band = 0; band < bands; ++band) {
+    // From blue over white to red.
+    const double t = 2 * (band + 0.5) / bands - 1, pale = 1 - std::fabs(t);
+    const auto shade = [&](double full) {
+      return int(std::lround(255 * (pale + (1 - pale) * full)));
+    };
+    content += text("<path class=\"band\" fill=\"#%02x%02x%02x\" d=\"", shade(t > 0 ? 0.71 : 0.18),
+                    shade(t > 0 ? 0.28 : 0.36), shade(t > 0 ? 0.18 : 0.54));
+    content += paths[band] + "\"/>\n";
+  }
+  content += text_element(margin, margin + longest + 22, "font-size=\"13\"",
+                          text("%.4g (blue) to %.4g (red)", *low, *high));
+  return document(title, longest + 2 * margin, longest + 2 * margin, content);
+}
+
 }  // namespace jex::tour::svg

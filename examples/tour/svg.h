@@ -41,4 +41,8 @@ std::string draw(const std::string& title, const std::vector<Panel>& panels);
 std::string draw_structure(const std::string& title, int m, int n, const std::vector<int>& rows,
                            const std::vector<int>& columns);
 
+// A function on a square grid of n x n points as colours, the first line at the bottom; elements
+// with the class "band" lie between two levels.
+std::string draw_field(const std::string& title, int n, const std::vector<double>& values);
+
 }  // namespace jex::tour::svg

@@ -165,6 +165,88 @@ JEX_API uint32_t jex_gmp___gmpz_out_str(void* stream, int base, const void* x);
 
 /** @} */
 
+/**
+ * @name Steps of the Poisson and Helmholtz solvers
+ *
+ * The module's solvers call three steps in turn, each over the whole grid, chosen by the conditions
+ * of the sides: d Dirichlet, n Neumann, two letters for each axis that is transformed. ipar and dpar
+ * are those of the committed solver (docs of jex_pdepl_d_commit_helmholtz_2d() tell their
+ * elements), f its grid. A step may use as many threads as ipar[22] says, and reads nothing of ipar
+ * and dpar but what is told there. *stat is 0, or a negative status of the solvers; f is then
+ * undefined.
+ *
+ * - ft: adds the boundary data to the right-hand side f, to second order, and transforms it along
+ *   the first axis, in three dimensions the second one too. With the step h between points, a
+ *   Dirichlet value g adds g / h^2 to the point beside it, an outward derivative g adds 2 g / h at
+ *   the side. With Dirichlet data on a side, f has no meaning there before and after.
+ * - lu: solves a tridiagonal system along the last axis for each frequency. *stat is 1 where the
+ *   problem is singular: f was made solvable, and the solution has the mean 0.
+ * - inv_ft: transforms back.
+ * @{
+ */
+#define JEX_PDE_STEPS_2D(t, T, x)                                                                  \
+  JEX_API void jex_pdepl_##t##_ft_##x(T* f, const T* bd_ax, const T* bd_bx, const T* bd_ay,        \
+                                      const T* bd_by, jex_dft_dfti_handle* xhandle,                \
+                                      const jex_int* ipar, const T* dpar, jex_int* stat);          \
+  JEX_API void jex_pdepl_##t##_lu_2d_##x(T* f, const jex_int* ipar, const T* dpar, jex_int* stat); \
+  JEX_API void jex_pdepl_##t##_inv_ft_##x(T* f, jex_dft_dfti_handle* xhandle, const jex_int* ipar, \
+                                          const T* dpar, jex_int* stat);
+#define JEX_PDE_STEPS_3D(t, T, x, y)                                                               \
+  JEX_API void jex_pdepl_##t##_ft_##x##_##y(                                                       \
+      T* f, const T* bd_ax, const T* bd_bx, const T* bd_ay, const T* bd_by, const T* bd_az,        \
+      const T* bd_bz, jex_dft_dfti_handle* xhandle, jex_dft_dfti_handle* yhandle,                  \
+      const jex_int* ipar, const T* dpar, jex_int* stat);                                          \
+  JEX_API void jex_pdepl_##t##_lu_3d_##x##_##y(T* f, const jex_int* ipar, const T* dpar,           \
+                                               jex_int* stat);                                     \
+  JEX_API void jex_pdepl_##t##_inv_ft_##x##_##y(T* f, jex_dft_dfti_handle* xhandle,                \
+                                                jex_dft_dfti_handle* yhandle, const jex_int* ipar, \
+                                                const T* dpar, jex_int* stat);
+/** Rows (type letter, type, x conditions[, y conditions]) for each combination. */
+#define JEX_PDE_EACH_2D(row, t, T) row(t, T, dd) row(t, T, dn) row(t, T, nd) row(t, T, nn)
+#define JEX_PDE_EACH_Y(row, t, T, x) \
+  row(t, T, x, dd) row(t, T, x, dn) row(t, T, x, nd) row(t, T, x, nn)
+#define JEX_PDE_EACH_3D(row, t, T)                                  \
+  JEX_PDE_EACH_Y(row, t, T, dd) JEX_PDE_EACH_Y(row, t, T, dn)       \
+  JEX_PDE_EACH_Y(row, t, T, nd) JEX_PDE_EACH_Y(row, t, T, nn)
+JEX_PDE_EACH_2D(JEX_PDE_STEPS_2D, d, double)
+JEX_PDE_EACH_2D(JEX_PDE_STEPS_2D, s, float)
+JEX_PDE_EACH_3D(JEX_PDE_STEPS_3D, d, double)
+JEX_PDE_EACH_3D(JEX_PDE_STEPS_3D, s, float)
+/** @} */
+
+/**
+ * @name Steps of the solvers on the sphere
+ *
+ * As above, for a grid of longitudes and colatitudes (docs of jex_pdepl_d_commit_sph_p() tell the
+ * elements of ipar and dpar). Ends of the colatitudes without a pole, and those of a sector of
+ * longitudes, are Dirichlet sides whose values stand in f.
+ *
+ * - ft_pp, inv_ft_pp: periodic in longitude, a Fourier transform of each line. ft adds the values of
+ *   the Dirichlet ends to the lines beside them first. f holds the frequencies in the order r0,
+ *   r(n/2), r1, i1, ..; inv_ft repeats the first element of a line behind the last one.
+ * - sl_ft_dd, inv_sl_ft_dd: a sector, a sine transform of each line.
+ * - sph_lu_2d_dd: the tridiagonal systems between two Dirichlet ends.
+ * - sph_lu_globe: the same where a pole lies at one end or at both.
+ * @{
+ */
+#define JEX_SPHERE_TRANSFORM(name, T) \
+  JEX_API void name(T* f, jex_dft_dfti_handle* handle, const jex_int* ipar, const T* dpar, \
+                    jex_int* stat);
+#define JEX_SPHERE_STEPS(t, T)                                                               \
+  JEX_SPHERE_TRANSFORM(jex_pdepl_##t##_ft_pp, T)                                             \
+  JEX_SPHERE_TRANSFORM(jex_pdepl_##t##_inv_ft_pp, T)                                         \
+  JEX_SPHERE_TRANSFORM(jex_pdepl_##t##_sl_ft_dd, T)                                          \
+  JEX_SPHERE_TRANSFORM(jex_pdepl_##t##_inv_sl_ft_dd, T)                                      \
+  JEX_API void jex_pdepl_##t##_sph_lu_2d_dd(T* f, const jex_int* ipar, const T* dpar,        \
+                                            jex_int* stat);                                  \
+  JEX_API void jex_pdepl_##t##_sph_lu_globe(T* f, const jex_int* ipar, const T* dpar,        \
+                                            jex_int* stat);
+JEX_SPHERE_STEPS(d, double)
+JEX_SPHERE_STEPS(s, float)
+#undef JEX_SPHERE_STEPS
+#undef JEX_SPHERE_TRANSFORM
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

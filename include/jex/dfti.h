@@ -42,7 +42,10 @@
 extern "C" {
 #endif
 
-/** @brief A transform of the user's; 0 for none. */
+/**
+ * @brief A transform of the user's; 0 for none. The first word behind it is the address of its first
+ *        record (jex/dft.h), where the kernel module finds the compute entries.
+ */
 typedef struct jex_dft_dfti_transform* jex_dft_dfti_handle;
 
 /** @brief Statuses beyond those of jex/dft.h. */

@@ -6,6 +6,7 @@
 #define JEX_JEX_HPP
 
 #include <jex/fft.hpp>
+#include <jex/pde.hpp>
 #include <jex/trans.hpp>
 #include <jex/views.hpp>
 #include <jex/xblas.hpp>

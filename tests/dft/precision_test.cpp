@@ -27,7 +27,9 @@ TEST(Precision, TablesAreExtendedWhateverTheProgramHasSet) {
       const uint16_t after = control_word();
       set_control_word(before);
       ASSERT_EQ(status, 0);
-      if (is_narrow) EXPECT_EQ(after, narrow);
+      if (is_narrow) {
+        EXPECT_EQ(after, narrow);
+      }
       ASSERT_EQ(d.compute(true, x.data()), 0);
       results[is_narrow] = x.copy();
     }

@@ -99,6 +99,24 @@ TEST(Program, DrawsEachValue) {
   EXPECT_EQ(1700 + top, 1957u);  // the year of the largest number
 }
 
+TEST(Program, SolvesPoissonsEquationToSecondOrder) {
+  const Folder folder;
+  const Outcome outcome = tour(folder, {"--family", "poisson"});
+  EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+  static const std::regex row(R"(1025 x 1025 +error ([0-9.e-]+), order ([0-9.]+))");
+  std::smatch match;
+  ASSERT_TRUE(std::regex_search(outcome.out, match, row)) << outcome.out;
+  EXPECT_LT(std::stod(match[1]), 1e-6);
+  EXPECT_NEAR(std::stod(match[2]), 2, 0.01);
+  EXPECT_NE(outcome.out.find("million unknowns a second"), std::string::npos);
+  const std::string file = folder / "out/poisson.svg", svg = read_file(file);
+  expect_well_formed(folder, file);
+  size_t bands = 0;
+  for (size_t at = 0; (at = svg.find("class=\"band\"", at)) != svg.npos; ++at) ++bands;
+  EXPECT_EQ(bands, 24u);
+  EXPECT_EQ(points_of(read_file(folder / "out/order.svg"), "error").size(), 5u);
+}
+
 TEST(Program, FindsThePeriodOfASinusoid) {
   struct Wave {
     int n;

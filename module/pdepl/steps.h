@@ -1,0 +1,80 @@
+// The core's steps by the conditions of the transformed axes: 2 or 4 bits, as in the code of all
+// sides.
+#pragma once
+
+#include <jex/core_imports.h>
+
+namespace jex::pdepl {
+
+template <class T>
+struct Steps2 {
+  void (*ft)(T*, const T*, const T*, const T*, const T*, jex_dft_dfti_handle*, const jex_int*,
+             const T*, jex_int*);
+  void (*lu)(T*, const jex_int*, const T*, jex_int*);
+  void (*inv_ft)(T*, jex_dft_dfti_handle*, const jex_int*, const T*, jex_int*);
+};
+
+template <class T>
+struct Steps3 {
+  void (*ft)(T*, const T*, const T*, const T*, const T*, const T*, const T*, jex_dft_dfti_handle*,
+             jex_dft_dfti_handle*, const jex_int*, const T*, jex_int*);
+  void (*lu)(T*, const jex_int*, const T*, jex_int*);
+  void (*inv_ft)(T*, jex_dft_dfti_handle*, jex_dft_dfti_handle*, const jex_int*, const T*,
+                 jex_int*);
+};
+
+// The tables hold addresses, which ELF binds at load: weak, so that a core without the steps can
+// load the module all the same, as one without the other imports can.
+#ifndef _WIN32
+#define JEX_WEAK(name) extern "C" decltype(::name) name [[gnu::weak]];
+#define JEX_WEAK_2D(t, T, x)       \
+  JEX_WEAK(jex_pdepl_##t##_ft_##x) \
+  JEX_WEAK(jex_pdepl_##t##_lu_2d_##x) JEX_WEAK(jex_pdepl_##t##_inv_ft_##x)
+#define JEX_WEAK_3D(t, T, x, y)          \
+  JEX_WEAK(jex_pdepl_##t##_ft_##x##_##y) \
+  JEX_WEAK(jex_pdepl_##t##_lu_3d_##x##_##y) JEX_WEAK(jex_pdepl_##t##_inv_ft_##x##_##y)
+#define JEX_WEAK_SPHERE(t)               \
+  JEX_WEAK(jex_pdepl_##t##_ft_pp)        \
+  JEX_WEAK(jex_pdepl_##t##_inv_ft_pp)    \
+  JEX_WEAK(jex_pdepl_##t##_sl_ft_dd)     \
+  JEX_WEAK(jex_pdepl_##t##_inv_sl_ft_dd) \
+  JEX_WEAK(jex_pdepl_##t##_sph_lu_2d_dd) JEX_WEAK(jex_pdepl_##t##_sph_lu_globe)
+JEX_PDE_EACH_2D(JEX_WEAK_2D, d, double)
+JEX_PDE_EACH_2D(JEX_WEAK_2D, s, float)
+JEX_PDE_EACH_3D(JEX_WEAK_3D, d, double)
+JEX_PDE_EACH_3D(JEX_WEAK_3D, s, float)
+JEX_WEAK_SPHERE(d)
+JEX_WEAK_SPHERE(s)
+#undef JEX_WEAK_SPHERE
+#undef JEX_WEAK_3D
+#undef JEX_WEAK_2D
+#undef JEX_WEAK
+#endif
+
+#define JEX_ROW_2D(t, T, x) \
+  {jex_pdepl_##t##_ft_##x, jex_pdepl_##t##_lu_2d_##x, jex_pdepl_##t##_inv_ft_##x},
+#define JEX_ROW_3D(t, T, x, y) \
+  {jex_pdepl_##t##_ft_##x##_##y, jex_pdepl_##t##_lu_3d_##x##_##y, jex_pdepl_##t##_inv_ft_##x##_##y},
+
+template <class T>
+const Steps2<T>& steps_2d(int code);
+template <class T>
+const Steps3<T>& steps_3d(int code);
+#define JEX_STEPS(t, T)                                                   \
+  template <>                                                             \
+  inline const Steps2<T>& steps_2d(int code) {                            \
+    static const Steps2<T> steps[] = {JEX_PDE_EACH_2D(JEX_ROW_2D, t, T)}; \
+    return steps[code];                                                   \
+  }                                                                       \
+  template <>                                                             \
+  inline const Steps3<T>& steps_3d(int code) {                            \
+    static const Steps3<T> steps[] = {JEX_PDE_EACH_3D(JEX_ROW_3D, t, T)}; \
+    return steps[code];                                                   \
+  }
+JEX_STEPS(d, double)
+JEX_STEPS(s, float)
+#undef JEX_STEPS
+#undef JEX_ROW_2D
+#undef JEX_ROW_3D
+
+}  // namespace jex::pdepl
