@@ -17,10 +17,6 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);
   return TRUE;
 }
-
-// So there are no start files, and no list of what to do at the end. The formatting of numbers asks
-// for one, to give a lock back that the end of the process gives back as well.
-extern "C" int atexit(void (*)(void)) { return 0; }
 #endif
 
 // An ELF module needs no entry: threads notify nobody, and the runtime initialises itself.

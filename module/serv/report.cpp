@@ -1,3 +1,9 @@
+#ifdef _WIN32
+// The system's formatting: that of the compiler's library wants start files, which a module without
+// work at load and unload does not have.
+#define __USE_MINGW_ANSI_STDIO 0
+#endif
+
 #include "serv/report.h"
 
 #include <stdio.h>
@@ -8,7 +14,15 @@
 namespace jex::serv {
 
 Value::Value(jex_int value) { snprintf(text_, sizeof text_, "%i", int(value)); }
-Value::Value(double value) { snprintf(text_, sizeof text_, "%e", value); }
+Value::Value(double value) {
+  snprintf(text_, sizeof text_, "%e", value);
+#ifdef _WIN32
+  // Exponents come with three digits; two are enough for most.
+  char* const exponent = strchr(text_, 'e');
+  if (exponent && exponent[2] == '0' && strlen(exponent) == 5)
+    memmove(exponent + 2, exponent + 3, 3);
+#endif
+}
 
 void Report::add(jex_int number, const char* argument) {
   char line[longest_line + 2];

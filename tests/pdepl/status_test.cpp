@@ -204,7 +204,7 @@ TEST(HelmholtzMessages, InTheLogFile) {
     all += expected(c, 0);
   }
   EXPECT_EQ(GetCapturedStdout(), "");
-  EXPECT_EQ(read_file(log_name), all);
+  EXPECT_EQ(read_text(log_name), all);
   std::filesystem::current_path(before);
 }
 

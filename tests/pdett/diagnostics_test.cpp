@@ -232,7 +232,7 @@ TEST(TrigMessages, InTheLogFileOneAfterTheOther) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << c.name;
     all += expected(c, 0);
   }
-  EXPECT_EQ(read_file(log_name), all);
+  EXPECT_EQ(read_text(log_name), all);
 }
 
 TEST(TrigMessages, NothingIsLostWithoutALogFile) {
