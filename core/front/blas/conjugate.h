@@ -5,26 +5,19 @@
 // memory for one, the operation is done element by element.
 #pragma once
 
+#include "front/elements.h"
 #include "front/entries.h"
 
 #include <algorithm>
 #include <complex>
 #include <stddef.h>
 #include <stdint.h>
-#include <type_traits>
 
 namespace jex::front {
 
 template <class T>
-inline constexpr bool is_complex = !std::is_floating_point_v<T>;
-
-template <class T>
 T conj(T z) {
   return {z.re, -z.im};
-}
-template <class T>
-bool is_zero(T z) {
-  return z.re == 0 && z.im == 0;
 }
 
 template <class T>

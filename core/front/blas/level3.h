@@ -123,16 +123,17 @@ void c_trmm(Kernel kernel, Request request, jex_cblas_side side, jex_cblas_uplo 
   trmm(kernel, from, up, op, unit, m, n, alpha, a, lda, b, ldb);
 }
 
+// Rows and columns of the kernel's blocks.
+inline constexpr jex_int strip_block = 64;
+
 // A rank-k or rank-2k update in strips of C from one edge to the diagonal. A strip is an update of
 // its own, update(first, count, beta), and a rectangle, rectangle(rows from, rows, columns from,
 // columns), the only part of C that the kernel would cut in another way: strips end where its
 // blocks do, and the last one holds the last whole block, so that every element is summed alike.
 // Strips of equal area end at the square roots of equal shares.
 template <class Update, class Rectangle>
-void in_strips(bool upper, jex_int n, double operations, Update update, Rectangle rectangle) {
-  constexpr jex_int block = 64;
-  const Shares shares(n, block, operations);
-  const jex_int parts = shares.parts();
+void in_strips(bool upper, jex_int n, jex_int parts, Update update, Rectangle rectangle) {
+  constexpr jex_int block = strip_block;
   const auto edge = [&](jex_int part) {
     if (part == parts) return n;
     const double share = double(part) / parts;
@@ -154,38 +155,22 @@ const T* row_of(const T* a, jex_int lda, char trans, jex_int i) {
   return a + (option(&trans) == 'N' ? ptrdiff_t(i) : ptrdiff_t(i) * lda);
 }
 
-template <class T, class S>
-T as_element(S alpha) {
-  if constexpr (std::is_same_v<T, S> || std::is_floating_point_v<T>)
-    return T(alpha);
-  else
-    return {decltype(T::re)(alpha), 0};
-}
-
-template <class T>
-bool is_none(T a) {
-  if constexpr (is_complex<T>)
-    return is_zero(a);
-  else
-    return a == 0;
-}
-
 // syrk and herk (mirror C). With several strips, C is scaled first.
 template <class T, class S, class Kernel, class Gemm>
 void syrk(Kernel kernel, Gemm multiply, char mirror, char uplo, char trans, jex_int n, jex_int k,
           const S* alpha, const T* a, jex_int lda, const S* beta, T* c, jex_int ldc) {
   const bool upper = option(&uplo) == 'U', plain = option(&trans) == 'N';
   const double operations = 1.0 * n * n * k * sizeof(T) / sizeof(double);
-  if (Shares(n, 64, operations).parts() == 1)
-    return kernel(&uplo, &trans, &n, &k, alpha, a, &lda, beta, c, &ldc);
+  const jex_int parts = Shares(n, strip_block, operations).parts();
+  if (parts == 1) return kernel(&uplo, &trans, &n, &k, alpha, a, &lda, beta, c, &ldc);
   const S none{}, one = as_element<S>(1);
   kernel(&uplo, &trans, &n, &k, &none, a, &lda, beta, c, &ldc);
-  if (is_none(*alpha)) return;
+  if (is_zero(*alpha)) return;
   const char transpose = mirror == 'C' ? 'C' : 'T', first = plain ? 'N' : transpose,
              second = plain ? transpose : 'N';
   const T factor = as_element<T>(*alpha), unit = as_element<T>(1);
   in_strips(
-      upper, n, operations,
+      upper, n, parts,
       [&](jex_int i, jex_int count) {
         kernel(&uplo, &trans, &count, &k, alpha, row_of(a, lda, trans, i), &lda, &one,
                c + i + ptrdiff_t(i) * ldc, &ldc);
@@ -212,19 +197,19 @@ void syr2k(Kernel kernel, Gemm multiply, char mirror, char uplo, char trans, jex
            jex_int ldc) {
   const bool upper = option(&uplo) == 'U', plain = option(&trans) == 'N';
   const double operations = 2.0 * n * n * k * sizeof(T) / sizeof(double);
-  if (Shares(n, 64, operations).parts() == 1)
-    return kernel(&uplo, &trans, &n, &k, alpha, a, &lda, b, &ldb, beta, c, &ldc);
+  const jex_int parts = Shares(n, strip_block, operations).parts();
+  if (parts == 1) return kernel(&uplo, &trans, &n, &k, alpha, a, &lda, b, &ldb, beta, c, &ldc);
   const T none{}, unit = as_element<T>(1);
   const S one = as_element<S>(1);
   kernel(&uplo, &trans, &n, &k, &none, a, &lda, b, &ldb, beta, c, &ldc);
-  if (is_none(*alpha)) return;
+  if (is_zero(*alpha)) return;
   const char transpose = mirror == 'C' ? 'C' : 'T', first = plain ? 'N' : transpose,
              second = plain ? transpose : 'N';
   T mirrored = *alpha;
   if constexpr (is_complex<T>)
     if (mirror == 'C') mirrored = conj(mirrored);
   in_strips(
-      upper, n, operations,
+      upper, n, parts,
       [&](jex_int i, jex_int count) {
         kernel(&uplo, &trans, &count, &k, alpha, row_of(a, lda, trans, i), &lda,
                row_of(b, ldb, trans, i), &ldb, &one, c + i + ptrdiff_t(i) * ldc, &ldc);

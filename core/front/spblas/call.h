@@ -2,6 +2,7 @@
 // the formats share.
 #pragma once
 
+#include "front/elements.h"
 #include "front/spblas/operation.h"
 #include "front/spblas/pieces.h"
 #include "threads/threads.h"
@@ -32,19 +33,6 @@ SERVICES(z, jex_dcomplex)
 #undef SERVICES
 
 template <class T>
-inline constexpr bool has_imaginary_part = requires(T a) {
-  a.im;
-};
-
-template <class T>
-bool is_one(const T& a) {
-  if constexpr (has_imaginary_part<T>)
-    return a.re == 1 && a.im == 0;
-  else
-    return a == 1;
-}
-
-template <class T>
 struct SparseCall {
   using Int = const jex_int*;
   using Services = SparseServices<T>;
@@ -54,6 +42,8 @@ struct SparseCall {
   int base;
   T alpha;
 
+  // Are dense matrices stored by columns?
+  bool by_columns() const { return base != 0; }
   // Rows of x (of B) and of y (of C).
   jex_int x_rows() const { return operation.transposed() ? m : n; }
   jex_int y_rows() const { return operation.transposed() ? n : m; }
@@ -61,7 +51,7 @@ struct SparseCall {
   // Decodes and checks what does not depend on the format.
   jex_int decode_call(char op, const T* scale, const jex_sparse_descriptor& d, jex_int rows,
                       jex_int columns, bool solve) {
-    if (const jex_int status = decode(op, d, has_imaginary_part<T>, operation)) return status;
+    if (const jex_int status = decode(op, d, is_complex<T>, operation)) return status;
     m = rows, n = columns, base = d.base, alpha = *scale;
     if (operation.negative) Services::neones (*module)(&alpha);
     if (m < 0 || n < 0 || (operation.kind != 'g' && m != n) || (solve && !operation.solvable()))

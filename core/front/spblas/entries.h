@@ -3,18 +3,18 @@
 // A format is a SparseCall with
 //   prepare(op, alpha, matrix, descriptor, solve)   checks all but the dense operands
 //   multiply(x, y), multiply(n, b, ldb, c, ldc)     adds alpha op(A) x, alpha op(A) B
-//   solve(y), solve(n, c, ldc)                      solves in place
+//   solve(y), solve(n, c, ldc)                      solves in place, if it is one that solves
 #pragma once
 
 #include "front/spblas/call.h"
 
 namespace jex::front {
 
-// Lines of a dense matrix of rows x columns: rows with base 0, columns with base 1.
+// Lines of a dense matrix of rows x columns: the columns, or the rows.
 struct Lines {
   jex_int count, length;
-  Lines(int base, jex_int rows, jex_int columns)
-      : count(base ? columns : rows), length(base ? rows : columns) {}
+  Lines(bool by_columns, jex_int rows, jex_int columns)
+      : count(by_columns ? columns : rows), length(by_columns ? rows : columns) {}
   bool fit(jex_int ld) const { return ld >= std::max<jex_int>(1, length); }
 };
 
@@ -46,7 +46,8 @@ jex_int sparse_mm(char op, jex_int n, const T* alpha, const Matrix* a,
   Format call;
   if (const jex_int status = prepare(call, op, alpha, a, descriptor, false)) return status;
   if (n < 0) return JEX_SPARSE_WRONG_SIZE;
-  const Lines from(call.base, call.x_rows(), n), to(call.base, call.y_rows(), n);
+  const bool by_columns = call.by_columns();
+  const Lines from(by_columns, call.x_rows(), n), to(by_columns, call.y_rows(), n);
   if (!from.fit(ldb) || !to.fit(ldc)) return JEX_SPARSE_WRONG_LEADING_DIMENSION;
   if (n == 0) return JEX_SPARSE_OK;
   if (!beta || (call.x_rows() > 0 && !b) || (call.y_rows() > 0 && !c))
@@ -77,7 +78,7 @@ jex_int sparse_sv(char op, const T* alpha, const Matrix* a, const jex_sparse_des
   if (const jex_int status = prepare(call, op, alpha, a, descriptor, true)) return status;
   if (a->m == 0) return JEX_SPARSE_OK;
   if (!x || !y) return JEX_SPARSE_NULL_ARGUMENT;
-  start_solve(call, Lines(1, a->m, 1), x, a->m, y, a->m);
+  start_solve(call, Lines(true, a->m, 1), x, a->m, y, a->m);
   call.solve(y);
   return JEX_SPARSE_OK;
 }
@@ -89,7 +90,7 @@ jex_int sparse_sm(char op, jex_int n, const T* alpha, const Matrix* a,
   Format call;
   if (const jex_int status = prepare(call, op, alpha, a, descriptor, true)) return status;
   if (n < 0) return JEX_SPARSE_WRONG_SIZE;
-  const Lines lines(call.base, a->m, n);
+  const Lines lines(call.by_columns(), a->m, n);
   if (!lines.fit(ldb) || !lines.fit(ldc) || (b == c && ldb != ldc))
     return JEX_SPARSE_WRONG_LEADING_DIMENSION;
   if (a->m == 0 || n == 0) return JEX_SPARSE_OK;
@@ -100,7 +101,7 @@ jex_int sparse_sm(char op, jex_int n, const T* alpha, const Matrix* a,
 }
 
 // The entries of one format and element type.
-#define SPARSE_ENTRIES(E, T, FORMAT, Call)                                                        \
+#define SPARSE_PRODUCTS(E, T, FORMAT, Call)                                                       \
   jex_int jex_##E##FORMAT##mv(char op, const T* alpha, const jex_##FORMAT* a,                     \
                               const jex_sparse_descriptor* descriptor, const T* x, const T* beta, \
                               T* y) {                                                             \
@@ -110,15 +111,17 @@ jex_int sparse_sm(char op, jex_int n, const T* alpha, const Matrix* a,
                               const jex_sparse_descriptor* descriptor, const T* b, jex_int ldb,   \
                               const T* beta, T* c, jex_int ldc) {                                 \
     return sparse_mm<Call<T>>(op, columns, alpha, a, descriptor, b, ldb, beta, c, ldc);           \
-  }                                                                                               \
-  jex_int jex_##E##FORMAT##sv(char op, const T* alpha, const jex_##FORMAT* a,                     \
-                              const jex_sparse_descriptor* descriptor, const T* x, T* y) {        \
-    return sparse_sv<Call<T>>(op, alpha, a, descriptor, x, y);                                    \
-  }                                                                                               \
-  jex_int jex_##E##FORMAT##sm(char op, jex_int columns, const T* alpha, const jex_##FORMAT* a,    \
-                              const jex_sparse_descriptor* descriptor, const T* b, jex_int ldb,   \
-                              T* c, jex_int ldc) {                                                \
-    return sparse_sm<Call<T>>(op, columns, alpha, a, descriptor, b, ldb, c, ldc);                 \
+  }
+#define SPARSE_ENTRIES(E, T, FORMAT, Call)                                                      \
+  SPARSE_PRODUCTS(E, T, FORMAT, Call)                                                           \
+  jex_int jex_##E##FORMAT##sv(char op, const T* alpha, const jex_##FORMAT* a,                   \
+                              const jex_sparse_descriptor* descriptor, const T* x, T* y) {      \
+    return sparse_sv<Call<T>>(op, alpha, a, descriptor, x, y);                                  \
+  }                                                                                             \
+  jex_int jex_##E##FORMAT##sm(char op, jex_int columns, const T* alpha, const jex_##FORMAT* a,  \
+                              const jex_sparse_descriptor* descriptor, const T* b, jex_int ldb, \
+                              T* c, jex_int ldc) {                                              \
+    return sparse_sm<Call<T>>(op, columns, alpha, a, descriptor, b, ldb, c, ldc);               \
   }
 
 }  // namespace jex::front
