@@ -63,6 +63,7 @@ struct Lanes<float> {
     return {_mm_movelh_ps(gather_two(p, inc).v, gather_two(p + 2 * inc, inc).v)};
   }
   void store(float* p) const { _mm_storeu_ps(p, v); }
+  void store_aligned(float* p) const { _mm_store_ps(p, v); }
   void store_first(float* p) const { _mm_store_ss(p, v); }
   void scatter(float* p, int inc) const {
     _mm_store_ss(p, v);
@@ -75,6 +76,7 @@ struct Lanes<float> {
   friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_ps(a.v, b.v)}; }
   friend Lanes operator-(Lanes a, Lanes b) { return {_mm_sub_ps(a.v, b.v)}; }
   friend Lanes operator*(Lanes a, Lanes b) { return {_mm_mul_ps(a.v, b.v)}; }
+  friend Lanes operator/(Lanes a, Lanes b) { return {_mm_div_ps(a.v, b.v)}; }
 };
 
 template <>
@@ -90,6 +92,7 @@ struct Lanes<double> {
   static Lanes load_first(const double* p) { return {_mm_load_sd(p)}; }
   static Lanes gather(const double* p, int inc) { return {_mm_loadh_pd(_mm_load_sd(p), p + inc)}; }
   void store(double* p) const { _mm_storeu_pd(p, v); }
+  void store_aligned(double* p) const { _mm_store_pd(p, v); }
   void store_first(double* p) const { _mm_store_sd(p, v); }
   void scatter(double* p, int inc) const {
     _mm_storel_pd(p, v);
@@ -100,6 +103,7 @@ struct Lanes<double> {
   friend Lanes operator+(Lanes a, Lanes b) { return {_mm_add_pd(a.v, b.v)}; }
   friend Lanes operator-(Lanes a, Lanes b) { return {_mm_sub_pd(a.v, b.v)}; }
   friend Lanes operator*(Lanes a, Lanes b) { return {_mm_mul_pd(a.v, b.v)}; }
+  friend Lanes operator/(Lanes a, Lanes b) { return {_mm_div_pd(a.v, b.v)}; }
 };
 
 // Magnitudes: the sign bits cleared, NaN and infinities kept.
@@ -177,14 +181,22 @@ inline Lanes<double> swap_parts(Lanes<double> a) {
   return {_mm_castsi128_pd(_mm_shuffle_epi32(_mm_castpd_si128(a.v), _MM_SHUFFLE(1, 0, 3, 2)))};
 }
 
-// a0 a0 a1 a1 and a2 a2 a3 a3 of floats; d0 d0 and d1 d1 of doubles.
-inline Lanes<float> low_doubled(Lanes<float> a) { return {_mm_unpacklo_ps(a.v, a.v)}; }
-inline Lanes<float> high_doubled(Lanes<float> a) { return {_mm_unpackhi_ps(a.v, a.v)}; }
-inline Lanes<double> low_doubled(Lanes<double> a) { return {_mm_unpacklo_pd(a.v, a.v)}; }
-inline Lanes<double> high_doubled(Lanes<double> a) { return {_mm_unpackhi_pd(a.v, a.v)}; }
+// Elements of a and b in turn, a0 b0 a1 b1 ..: the first half and the second half of them.
+inline Lanes<float> low_in_turn(Lanes<float> a, Lanes<float> b) {
+  return {_mm_unpacklo_ps(a.v, b.v)};
+}
+inline Lanes<float> high_in_turn(Lanes<float> a, Lanes<float> b) {
+  return {_mm_unpackhi_ps(a.v, b.v)};
+}
+inline Lanes<double> low_in_turn(Lanes<double> a, Lanes<double> b) {
+  return {_mm_unpacklo_pd(a.v, b.v)};
+}
+inline Lanes<double> high_in_turn(Lanes<double> a, Lanes<double> b) {
+  return {_mm_unpackhi_pd(a.v, b.v)};
+}
 
-// The lanes of one parity, first those of a and then those of b: the real parts (0) or the imaginary
-// parts (1) of complex elements.
+// The lanes of one parity, first those of a and then those of b: the real parts (0) or the
+// imaginary parts (1) of complex elements.
 template <int parity>
 inline Lanes<float> parts_of(Lanes<float> a, Lanes<float> b) {
   return {_mm_shuffle_ps(a.v, b.v, parity ? _MM_SHUFFLE(3, 1, 3, 1) : _MM_SHUFFLE(2, 0, 2, 0))};
@@ -194,8 +206,8 @@ inline Lanes<double> parts_of(Lanes<double> a, Lanes<double> b) {
   return {parity ? _mm_unpackhi_pd(a.v, b.v) : _mm_unpacklo_pd(a.v, b.v)};
 }
 
-// a - b in the even lanes, a + b in the odd ones: a + i c for complex elements where b is c with its
-// parts swapped.
+// a - b in the even lanes, a + b in the odd ones: a + i c for complex elements where b is c with
+// its parts swapped.
 inline Lanes<float> add_alternating(Lanes<float> a, Lanes<float> b) {
   return {_mm_addsub_ps(a.v, b.v)};
 }

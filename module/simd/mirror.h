@@ -13,20 +13,6 @@ inline Lanes<float> reversed(Lanes<float> a) {
 }
 inline Lanes<double> reversed(Lanes<double> a) { return swap_parts(a); }
 
-// Elements of a and b in turn: a0 b0 a1 b1 ..; the first half and the second half of them.
-inline Lanes<float> low_in_turn(Lanes<float> a, Lanes<float> b) {
-  return {_mm_unpacklo_ps(a.v, b.v)};
-}
-inline Lanes<float> high_in_turn(Lanes<float> a, Lanes<float> b) {
-  return {_mm_unpackhi_ps(a.v, b.v)};
-}
-inline Lanes<double> low_in_turn(Lanes<double> a, Lanes<double> b) {
-  return {_mm_unpacklo_pd(a.v, b.v)};
-}
-inline Lanes<double> high_in_turn(Lanes<double> a, Lanes<double> b) {
-  return {_mm_unpackhi_pd(a.v, b.v)};
-}
-
 // All signs changed, zeros too.
 inline Lanes<float> negated(Lanes<float> a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.f))}; }
 inline Lanes<double> negated(Lanes<double> a) { return {_mm_xor_pd(a.v, _mm_set1_pd(-0.))}; }

@@ -1,4 +1,4 @@
-// Lanes in other places: reversed, conjugated, parts put side by side.
+// Lanes in other places: reversed, pairs twice.
 #pragma once
 
 #include "simd/complex.h"
@@ -15,24 +15,5 @@ inline Lanes<double> low_pair(Lanes<double> a) { return a; }
 inline Lanes<float> low_pair(Lanes<float> a) { return {_mm_movelh_ps(a.v, a.v)}; }
 inline Lanes<double> high_pair(Lanes<double> a) { return a; }
 inline Lanes<float> high_pair(Lanes<float> a) { return {_mm_movehl_ps(a.v, a.v)}; }
-
-// Real and imaginary parts become elements: those of the lower lanes, of the upper lanes.
-inline Lanes<jex_dcomplex> zip_low(Lanes<double> re, Lanes<double> im) {
-  return {{_mm_unpacklo_pd(re.v, im.v)}};
-}
-inline Lanes<jex_dcomplex> zip_high(Lanes<double> re, Lanes<double> im) {
-  return {{_mm_unpackhi_pd(re.v, im.v)}};
-}
-inline Lanes<jex_scomplex> zip_low(Lanes<float> re, Lanes<float> im) {
-  return {{_mm_unpacklo_ps(re.v, im.v)}};
-}
-inline Lanes<jex_scomplex> zip_high(Lanes<float> re, Lanes<float> im) {
-  return {{_mm_unpackhi_ps(re.v, im.v)}};
-}
-
-template <class T>
-[[gnu::always_inline]] inline Lanes<T> conjugate(Lanes<T> a) {
-  return {flip<1>(a.parts)};
-}
 
 }  // namespace jex::simd

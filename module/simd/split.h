@@ -81,13 +81,10 @@ template <class T>
   const auto a = load_elements(p).parts, b = load_elements(p + half).parts;
   return {parts_of<0>(a, b), parts_of<1>(a, b)};
 }
-[[gnu::always_inline]] inline void join_elements(Split<jex_dcomplex> a, jex_dcomplex* p) {
-  store_elements({parts_of<0>(a.re, a.im)}, p);
-  store_elements({parts_of<1>(a.re, a.im)}, p + 1);
-}
-[[gnu::always_inline]] inline void join_elements(Split<jex_scomplex> a, jex_scomplex* p) {
-  store_elements({{_mm_unpacklo_ps(a.re.v, a.im.v)}}, p);
-  store_elements({{_mm_unpackhi_ps(a.re.v, a.im.v)}}, p + 2);
+template <class T>
+[[gnu::always_inline]] inline void join_elements(Split<T> a, T* p) {
+  store_elements(Lanes<T>{low_in_turn(a.re, a.im)}, p);
+  store_elements(Lanes<T>{high_in_turn(a.re, a.im)}, p + Split<T>::count / 2);
 }
 
 // Blocks, on 16-byte boundaries.
@@ -96,25 +93,17 @@ template <class T>
   using P = Lanes<Real<T>>;
   return {P::load_aligned(&p->re), P::load_aligned(&p->re + P::count)};
 }
-[[gnu::always_inline]] inline void store_block(Split<jex_dcomplex> a, jex_dcomplex* p) {
-  _mm_store_pd(&p->re, a.re.v);
-  _mm_store_pd(&p->re + 2, a.im.v);
-}
-[[gnu::always_inline]] inline void store_block(Split<jex_scomplex> a, jex_scomplex* p) {
-  _mm_store_ps(&p->re, a.re.v);
-  _mm_store_ps(&p->re + 4, a.im.v);
+template <class T>
+[[gnu::always_inline]] inline void store_block(Split<T> a, T* p) {
+  a.re.store_aligned(&p->re);
+  a.im.store_aligned(&p->re + Split<T>::count);
 }
 
 // Elements at places of their own, a distance apart.
-[[gnu::always_inline]] inline void scatter_elements(Split<jex_dcomplex> a, jex_dcomplex* p,
-                                                    ptrdiff_t distance) {
-  store_elements({parts_of<0>(a.re, a.im)}, p);
-  store_elements({parts_of<1>(a.re, a.im)}, p + distance);
-}
-[[gnu::always_inline]] inline void scatter_elements(Split<jex_scomplex> a, jex_scomplex* p,
-                                                    ptrdiff_t distance) {
-  scatter_elements(Lanes<jex_scomplex>{{_mm_unpacklo_ps(a.re.v, a.im.v)}}, p, distance);
-  scatter_elements(Lanes<jex_scomplex>{{_mm_unpackhi_ps(a.re.v, a.im.v)}}, p + 2 * distance,
+template <class T>
+[[gnu::always_inline]] inline void scatter_elements(Split<T> a, T* p, ptrdiff_t distance) {
+  scatter_elements(Lanes<T>{low_in_turn(a.re, a.im)}, p, distance);
+  scatter_elements(Lanes<T>{high_in_turn(a.re, a.im)}, p + Split<T>::count / 2 * distance,
                    distance);
 }
 

@@ -78,8 +78,8 @@ struct ComplexBase {
       const auto term = re && im ? doubled * signs : keep<kept>(doubled);
       (Lanes<R>::load(&c->re) + term).store(&c->re);
     };
-    add(c, low_doubled(v));
-    add(c + Lanes<T>::count, high_doubled(v));
+    add(c, low_in_turn(v, v));
+    add(c + Lanes<T>::count, high_in_turn(v, v));
   }
 };
 

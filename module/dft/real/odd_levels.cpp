@@ -40,10 +40,10 @@ struct Column {
   JEX_INLINE static P load(const R* p) { return whole ? P::load(p) : P::load_first(p); }
   JEX_INLINE static void store(P a, R* p) { whole ? a.store(p) : a.store_first(p); }
   JEX_INLINE static void store_pairs(P re, P im, T* p) {
-    const V low = simd::zip_low(re, im);
+    const V low{simd::low_in_turn(re, im)};
     if constexpr (!whole) return low.store_first(p);
     low.store(p);
-    simd::zip_high(re, im).store(p + V::count);
+    V{simd::high_in_turn(re, im)}.store(p + V::count);
   }
   JEX_INLINE static void load_pairs(const T* p, P& re, P& im) {
     const V low = whole ? V::load(p) : V::load_first(p);
