@@ -1,6 +1,7 @@
 // Dense operands and single elements, as the kernels of all formats use them.
 #pragma once
 
+#include "blas/level1/scalar.h"
 #include "blas/level1/update.h"
 #include "spblas/columns.h"
 
@@ -28,19 +29,7 @@ inline void add_scaled(int m, int n, const T& alpha, Dense<const T> b, Dense<T> 
 
 template <class T>
 T signed_alpha(bool negative, const T& alpha) {
-  if (!negative) return alpha;
-  if constexpr (is_complex<T>)
-    return {-alpha.re, -alpha.im};
-  else
-    return -alpha;
-}
-
-template <class T>
-inline T difference(T a, T b) {
-  if constexpr (is_complex<T>)
-    return {a.re - b.re, a.im - b.im};
-  else
-    return a - b;
+  return negative ? blas::negated(alpha) : alpha;
 }
 
 }  // namespace jex::spblas

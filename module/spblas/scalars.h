@@ -1,7 +1,7 @@
 // Small services on scalars and vectors for the callers of the sparse kernels.
 #pragma once
 
-#include "simd/lanes.h"
+#include "blas/level1/scalar.h"
 
 #include <string.h>
 
@@ -22,10 +22,7 @@ void set_one(T* x) {
 
 template <class T>
 void negate(T* x) {
-  if constexpr (simd::is_complex<T>)
-    *x = {-x->re, -x->im};
-  else
-    *x = -*x;
+  *x = blas::negated(*x);
 }
 
 template <class T>

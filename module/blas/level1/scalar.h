@@ -27,6 +27,25 @@ template <class T>
 }
 
 template <class T>
+[[gnu::always_inline]] inline T difference(T a, T b) {
+  if constexpr (is_complex<T>)
+    return {a.re - b.re, a.im - b.im};
+  else
+    return a - b;
+}
+template <class T>
+[[gnu::always_inline]] inline T negated(T a) {
+  if constexpr (is_complex<T>)
+    return {-a.re, -a.im};
+  else
+    return -a;
+}
+template <bool conj, class T>
+[[gnu::always_inline]] inline T conjugate_if(T a) {
+  return conj ? conjugate(a) : a;
+}
+
+template <class T>
 [[gnu::always_inline]] inline T multiply(T a, T b) {
   if constexpr (is_complex<T>)
     return {a.re * b.re - a.im * b.im, a.im * b.re + a.re * b.im};

@@ -9,7 +9,7 @@ namespace jex::blas {
 
 template <Conj conj, class T>
 inline T conjugate_if(T a) {
-  return conj == Conj::yes ? conjugate(a) : a;
+  return conjugate_if<conj == Conj::yes>(a);
 }
 
 template <class T>

@@ -14,6 +14,7 @@ namespace jex::spblas::bsr {
 
 using blas::add;
 using blas::multiply;
+using blas::negated;
 using simd::Factor;
 
 // The values of a strip for several columns of the dense operands.

@@ -45,8 +45,7 @@ template <bool transposed, bool conj, class T>
 void add_triangles(const Operands<T>& o, bool lower, bool unit) {
   const int lb = o.lb;
   const auto add_element = [&](ptrdiff_t i, ptrdiff_t j, T value) {
-    if constexpr (conj && is_complex<T>) value.im = -value.im;
-    const T scaled = multiply(value, o.alpha);
+    const T scaled = multiply(blas::conjugate_if<conj>(value), o.alpha);
     if constexpr (transposed) std::swap(i, j);
     for (int n = 0; n < o.n; ++n) {
       T& c = o.c.p[i + n * o.c.ld];

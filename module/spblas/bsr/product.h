@@ -37,14 +37,6 @@ struct Selection {
   }
 };
 
-template <class T>
-T negated(const T& a) {
-  if constexpr (is_complex<T>)
-    return {-a.re, -a.im};
-  else
-    return -a;
-}
-
 // Registers of a strip: sums, and beside mirror parts as many operands, have to find place in eight
 // with a factor and a product.
 template <class T>

@@ -12,12 +12,6 @@
 
 namespace jex::spblas::coo {
 
-template <bool conj, class T>
-inline T conjugate_if(T d) {
-  if constexpr (conj && is_complex<T>) d.im = -d.im;
-  return d;
-}
-
 // row(i), i from 0, in the order of the solve.
 template <Side side, class Row>
 [[gnu::always_inline]] inline void for_solve_rows(int m, Row row) {
@@ -30,7 +24,7 @@ template <Side side, class Row>
 // The unknown of a row from its right-hand side, its sum and its divisor.
 template <class T>
 [[gnu::always_inline]] inline T unknown(T y, T sum, bool unit, const T& d) {
-  const T rest = difference(y, sum);
+  const T rest = blas::difference(y, sum);
   return unit ? rest : blas::quotient(rest, d);
 }
 
@@ -48,7 +42,7 @@ template <class T, Side side, bool conj, Layout layout>
           d = a.values[diagonal];
         else if (diagonal == several_entries)
           d = scanned_diagonal(a, i);
-        d = conjugate_if<conj>(d);
+        d = blas::conjugate_if<conj>(d);
         for_columns<T, 1, layout>(
             0, count, [&](auto group, int j) __attribute__((always_inline)) {
               using Group = decltype(group);
@@ -95,7 +89,7 @@ template <class T, Side side, bool conj, Layout layout>
     T sum;
     Group::store(&sum, 0, s[0]);
     T& y = *at_row<layout>(c, i, ld);
-    y = unknown(y, sum, unit, conjugate_if<conj>(scanned_diagonal(a, i)));
+    y = unknown(y, sum, unit, blas::conjugate_if<conj>(scanned_diagonal(a, i)));
   });
 }
 

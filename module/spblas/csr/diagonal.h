@@ -17,8 +17,7 @@ inline T diagonal(const Rows<T>& a, int i) {
       d = found ? blas::add(d, a.value(k)) : a.value(k);
       found = true;
     }
-  if constexpr (conj && is_complex<T>) d.im = -d.im;
-  return d;
+  return blas::conjugate_if<conj>(d);
 }
 
 // Columns 0 .. count - 1; c is the element of number 0.

@@ -22,6 +22,7 @@
 
 namespace jex::spblas::csr {
 
+using blas::difference;
 using blas::quotient;
 
 // Entries of row i: those beside the diagonal on the side of the triangle, and the divisor, which
@@ -56,8 +57,7 @@ template <bool conj, class T>
 inline T divisor(const Rows<T>& a, const SolveRow& r) {
   T d = {};
   if (r.divisor < r.end) d = a.value(r.divisor);
-  if constexpr (conj && is_complex<T>) d.im = -d.im;
-  return d;
+  return blas::conjugate_if<conj>(d);
 }
 
 // The sum s. The unknown of the row before, where a lower row ends with it, is taken from `before`:

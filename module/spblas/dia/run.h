@@ -10,7 +10,6 @@
 
 #include "blas/level1/scalar.h"
 #include "simd/complex.h"
-#include "simd/divide.h"
 #include "simd/repeat.h"
 
 #include <algorithm>
@@ -107,11 +106,7 @@ template <class T, class Operation>
 // y(i) := y(i) / d(i)
 template <bool conj, class T>
 [[gnu::noinline]] void divide_run(int n, const T* d, T* y) {
-  const auto element = [=](int i) {
-    T by = d[i];
-    if constexpr (conj && is_complex<T>) by.im = -by.im;
-    y[i] = blas::quotient(y[i], by);
-  };
+  const auto element = [=](int i) { y[i] = blas::quotient(y[i], blas::conjugate_if<conj>(d[i])); };
   for_run(n, y, element, [=](int i) {
     if constexpr (is_complex<T>) {
       for (int k = 0; k < 8; ++k) element(i + k);

@@ -28,10 +28,7 @@ struct Solver {
 // What divides y(i); without a main diagonal 0.
 template <bool conj, class T>
 [[gnu::always_inline]] inline T divisor(const Solver<T>& s, int i) {
-  T d = {};
-  if (s.main) d = s.main[i];
-  if constexpr (conj && is_complex<T>) d.im = -d.im;
-  return d;
+  return s.main ? blas::conjugate_if<conj>(s.main[i]) : blas::conjugate_if<conj>(T{});
 }
 
 // Rows of one block, for the column y.
