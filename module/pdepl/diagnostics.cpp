@@ -5,7 +5,7 @@
 namespace jex::pdepl {
 namespace {
 
-constexpr jex_int title = 490, error = 397, warning = 398, unknown = 407;
+constexpr jex_int title = 490;
 constexpr jex_int from_1 = 30;  // the texts that count from 1 lie that much lower
 constexpr char log_file[] = "JEX_Poisson_Library_Log.txt";
 
@@ -42,8 +42,9 @@ constexpr Line lines[] = {
     {singular_problem, 549, Shown::nothing, 0},
 };
 
+bool is_error(jex_int code) { return code >= failed_before && code <= release_error; }
 jex_int destination_of(jex_int code, const jex_int* ipar) {
-  return ipar[code >= failed_before && code <= release_error ? errors : warnings];
+  return ipar[is_error(code) ? errors : warnings];
 }
 
 }  // namespace
@@ -51,12 +52,7 @@ jex_int destination_of(jex_int code, const jex_int* ipar) {
 void print(Flavour flavour, jex_int code, const jex_int* ipar, double q, const char* text) {
   const jex_int lower = flavour == Flavour::c ? 0 : from_1;
   serv::Report message;
-  message.add(title);
-  message.add(code >= failed_before && code <= release_error ? error : warning);
-  bool known = false;
-  for (const Line& line : lines) {
-    if (line.code != code) continue;
-    known = true;
+  message.compose(title, is_error(code), lines, code, [&](const Line& line) {
     const jex_int number = line.number - lower;
     switch (line.shown) {
       case Shown::nothing:
@@ -72,8 +68,7 @@ void print(Flavour flavour, jex_int code, const jex_int* ipar, double q, const c
         message.add(number, text);
         break;
     }
-  }
-  if (!known) message.add(unknown);
+  });
   message.send(destination_of(code, ipar), log_file);
 }
 

@@ -5,7 +5,7 @@
 namespace jex::pdett {
 namespace {
 
-constexpr jex_int title = 396, error = 397, warning = 398, unknown = 407;
+constexpr jex_int title = 396;
 constexpr jex_int from_1 = 39;  // the other set lies that much lower
 constexpr char log_file[] = "JEX_Trig_Transforms_Log.txt";
 
@@ -69,12 +69,7 @@ void report(Code code, const jex_int* ipar, double tolerance, double replacement
   if (destination == 0) return;
   const jex_int lower = ipar[message_set] ? 0 : from_1;
   serv::Report message;
-  message.add(title);
-  message.add(is_error ? error : warning);
-  bool known = false;
-  for (const Line& line : lines) {
-    if (line.code != code) continue;
-    known = true;
+  message.compose(title, is_error, lines, code, [&](const Line& line) {
     const jex_int number = line.number - lower;
     using serv::Value;
     switch (line.shown) {
@@ -106,8 +101,7 @@ void report(Code code, const jex_int* ipar, double tolerance, double replacement
         message.add(number, text);
         break;
     }
-  }
-  if (!known) message.add(unknown);
+  });
   message.send(destination, log_file);
 }
 
