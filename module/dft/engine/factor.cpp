@@ -16,13 +16,19 @@ void exchange(Factor& a, Factor& b) {
 
 // What a pass costs for each element, in some unit: reading, multiplying by a root and storing it,
 // and its share of the butterfly. Measured on lengths up to 4096. 0 where there is no such pass.
-using Costs = float[largest_kernel_radix + 1];
-constexpr Costs pass_cost = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,  9.5f,  11.5f, 9.0f,
-                             10.6f, 10.9f, 17.0f, 10.5f, 19.0f, 13.0f, 12.0f, 9.9f};
+struct Costs {
+  float radix[largest_kernel_radix + 1];
+  constexpr float operator[](int r) const { return radix[r]; }
+};
+constexpr Costs pass_cost = {{0, 0, 8.0f, 8.3f, 8.0f, 9.3f, 9.5f, 11.5f, 9.0f, 10.6f, 10.9f, 17.0f,
+                              10.5f, 19.0f, 13.0f, 12.0f, 9.9f}};
 // In bundles the sixteen streams of the largest radix meet in the same places of the first cache.
-constexpr Costs bundle_cost = {0,     0,     8.0f,  8.3f,  8.0f,  9.3f,  9.5f,  11.5f, 9.0f,
-                               10.6f, 10.9f, 17.0f, 10.5f, 19.0f, 13.0f, 12.0f, 10.5f};
-constexpr Costs split_cost = {0, 0, 1.2f, 0, 1.8f, 0, 0, 0, 2.5f, 0, 0, 0, 0, 0, 0, 0, 3.2f};
+constexpr Costs bundle_cost = [] {
+  Costs costs = pass_cost;
+  costs.radix[largest_kernel_radix] = 10.5f;
+  return costs;
+}();
+constexpr Costs split_cost = {{0, 0, 1.2f, 0, 1.8f, 0, 0, 0, 2.5f, 0, 0, 0, 0, 0, 0, 0, 3.2f}};
 constexpr int shortest_split = 128;
 
 // The cheapest list of radices, none above the one before it.
