@@ -1,21 +1,12 @@
 // Peer library: level 1 as a user of Eigen writes it, on maps that promise no alignment.
 // Unit strides only. The Fortran symbols let the benchmark treat it as any other BLAS.
-#include <complex>
-#include <cstdint>
-
-#include <Eigen/Core>
 #include <Eigen/Jacobi>
+
+#include "eigen_maps.h"
 
 namespace {
 
-using Int = int32_t;
-using scomplex = std::complex<float>;
-using dcomplex = std::complex<double>;
-
-template <class T>
-using Vector = Eigen::Map<Eigen::Matrix<T, Eigen::Dynamic, 1>>;
-template <class T>
-using ConstVector = Eigen::Map<const Eigen::Matrix<T, Eigen::Dynamic, 1>>;
+using namespace jex::bench;
 
 template <class T, class S>
 void rotate(Int n, T* x, T* y, S c, S s) {
@@ -45,8 +36,6 @@ F fortran(std::complex<R> z) {
 }
 
 }  // namespace
-
-#define EXPORT extern "C" __attribute__((visibility("default")))
 
 #define ANY_TYPE(t, T, asum, nrm2, R)                                                          \
   EXPORT void t##axpy_(const Int* n, const T* a, const T* x, const Int*, T* y, const Int*) {   \

@@ -1,36 +1,10 @@
 // Peer library: level 2 as a user of Eigen writes it, on maps that promise no alignment.
 // Unit strides only. The Fortran symbols let the benchmark treat it as any other BLAS.
-#include <complex>
-#include <cstdint>
-
-#include <Eigen/Core>
+#include "eigen_maps.h"
 
 namespace {
 
-using Int = int32_t;
-using scomplex = std::complex<float>;
-using dcomplex = std::complex<double>;
-
-template <class T>
-using Vector = Eigen::Map<Eigen::Matrix<T, Eigen::Dynamic, 1>>;
-template <class T>
-using ConstVector = Eigen::Map<const Eigen::Matrix<T, Eigen::Dynamic, 1>>;
-template <class T>
-using Dense = Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic>;
-template <class T>
-using Matrix = Eigen::Map<Dense<T>, 0, Eigen::OuterStride<>>;
-template <class T>
-using ConstMatrix = Eigen::Map<const Dense<T>, 0, Eigen::OuterStride<>>;
-
-bool is(const char* option, char letter) { return (*option & ~0x20) == letter; }
-
-template <class T>
-void scale(Vector<T> y, T beta) {
-  if (beta == T(0))
-    y.setZero();
-  else if (beta != T(1))
-    y *= beta;
-}
+using namespace jex::bench;
 
 template <class T>
 void gemv(const char* trans, Int m, Int n, T alpha, const T* a, Int lda, const T* x, T beta, T* y) {
@@ -86,8 +60,6 @@ void with_triangle(const char* uplo, const char* trans, const char* diag, const 
 }
 
 }  // namespace
-
-#define EXPORT extern "C" __attribute__((visibility("default")))
 
 #define ANY_TYPE(t, T, symv, geru)                                                                 \
   EXPORT void t##gemv_(const char* trans, const Int* m, const Int* n, const T* alpha, const T* a,  \

@@ -1,24 +1,10 @@
 // Peer library: level 3 as a user of Eigen writes it, on maps that promise no alignment.
 // The Fortran symbols let the benchmark treat it as any other BLAS.
-#include <complex>
-#include <cstdint>
-
-#include <Eigen/Core>
+#include "eigen_maps.h"
 
 namespace {
 
-using Int = int32_t;
-using scomplex = std::complex<float>;
-using dcomplex = std::complex<double>;
-
-template <class T>
-using Dense = Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic>;
-template <class T>
-using Matrix = Eigen::Map<Dense<T>, 0, Eigen::OuterStride<>>;
-template <class T>
-using ConstMatrix = Eigen::Map<const Dense<T>, 0, Eigen::OuterStride<>>;
-
-bool is(const char* option, char letter) { return (*option & ~0x20) == letter; }
+using namespace jex::bench;
 
 /// Calls run with op(a), a stored rows x columns before the operation.
 template <class T, class Run>
@@ -38,21 +24,10 @@ template <class T>
 void gemm(const char* transa, const char* transb, Int m, Int n, Int k, T alpha, const T* a, Int lda,
           const T* b, Int ldb, T beta, T* c, Int ldc) {
   Matrix<T> mc(c, m, n, Eigen::OuterStride<>(ldc));
-  if (beta == T(0))
-    mc.setZero();
-  else if (beta != T(1))
-    mc *= beta;
+  scale(mc, beta);
   with_operand(transa, a, m, k, lda, [&](const auto& ma) {
     with_operand(transb, b, k, n, ldb, [&](const auto& mb) { mc.noalias() += alpha * (ma * mb); });
   });
-}
-
-template <class T>
-void scale(Matrix<T> c, T beta) {
-  if (beta == T(0))
-    c.setZero();
-  else if (beta != T(1))
-    c *= beta;
 }
 
 /// Calls run with the triangle of matrix that uplo names, as a view with more of the mode.
@@ -130,8 +105,6 @@ void triangular(const char* side, const char* uplo, const char* trans, const cha
 }
 
 }  // namespace
-
-#define EXPORT extern "C" __attribute__((visibility("default")))
 
 #define ANY_TYPE(t, T)                                                                          \
   EXPORT void t##gemm_(const char* transa, const char* transb, const Int* m, const Int* n,      \

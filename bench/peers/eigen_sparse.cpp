@@ -1,19 +1,16 @@
 // Peer library: the sparse cases as a user of Eigen writes them, on maps of the same arrays.
-#include <complex>
-
 #include <Eigen/Sparse>
 
+#include "eigen_maps.h"
 #include "sparse_call.h"
 
 namespace {
 
+using jex::bench::ConstVector;
 using jex::bench::SparseCall;
+using jex::bench::Vector;
 template <class T>
 using Csr = Eigen::Map<const Eigen::SparseMatrix<T, Eigen::RowMajor, int>>;
-template <class T>
-using Vector = Eigen::Map<Eigen::Matrix<T, Eigen::Dynamic, 1>>;
-template <class T>
-using ConstVector = Eigen::Map<const Eigen::Matrix<T, Eigen::Dynamic, 1>>;
 template <class T, int order>
 using Dense = Eigen::Map<Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic, order>>;
 template <class T, int order>

@@ -1,18 +1,9 @@
 // Peer library: transposition of column-major matrices as a user of Eigen writes it.
-#include <complex>
-#include <cstdint>
-
-#include <Eigen/Core>
+#include "eigen_maps.h"
 
 namespace {
 
-using Int = int32_t;
-template <class T>
-using Dense = Eigen::Matrix<T, Eigen::Dynamic, Eigen::Dynamic>;
-template <class T>
-using Matrix = Eigen::Map<Dense<T>, 0, Eigen::OuterStride<>>;
-template <class T>
-using ConstMatrix = Eigen::Map<const Dense<T>, 0, Eigen::OuterStride<>>;
+using namespace jex::bench;
 
 template <class T>
 void transpose(Int m, Int n, const T* a, Int lda, T* b, Int ldb) {
@@ -22,7 +13,6 @@ void transpose(Int m, Int n, const T* a, Int lda, T* b, Int ldb) {
 
 }  // namespace
 
-#define EXPORT extern "C" __attribute__((visibility("default")))
 #define ANY_TYPE(t, T)                                                                           \
   EXPORT void t##omatcopy_(const char*, const char*, const Int* m, const Int* n, const T*,       \
                            const T* a, const Int* lda, T* b, const Int* ldb) {                   \
