@@ -1,30 +1,14 @@
 // The users' BSR products against dense matrices, for every descriptor and operation; malformed
 // input; any number of threads.
 
+#include "core_front/sparse_entries.h"
 #include "spblas/bsr_matrix.h"
-
-#include <jex/block_sparse.h>
-#include <jex/core.h>
 
 namespace jex::test {
 namespace {
 
 template <class T>
-struct Entries;
-#define JEX_TEST_BSR_FRONT(E, T)               \
-  template <>                                  \
-  struct Entries<T> {                          \
-    static constexpr auto mv = jex_##E##bsrmv; \
-    static constexpr auto mm = jex_##E##bsrmm; \
-  };
-JEX_TEST_BSR_FRONT(s, float)
-JEX_TEST_BSR_FRONT(d, double)
-JEX_TEST_BSR_FRONT(c, jex_scomplex)
-JEX_TEST_BSR_FRONT(z, jex_dcomplex)
-
-template <class T>
 class BsrFront : public testing::Test {};
-using Element4 = testing::Types<float, double, jex_scomplex, jex_dcomplex>;
 TYPED_TEST_SUITE(BsrFront, Element4);
 
 TYPED_TEST(BsrFront, Products) {
@@ -49,11 +33,11 @@ TYPED_TEST(BsrFront, Products) {
               y.operand.data()[0] = not_a_number<T>();  // beta is zero
               const jex_sparse_descriptor d = {kind, uplo, diag, base, 0};
               const jex_bsr bsr = {m, k, a.lb, a.values().data(), a.numbers(), a.begin(), a.end()};
-              const jex_int status = vector
-                                         ? Entries<T>::mv(op, &alpha, &bsr, &d, x.operand.data(),
-                                                          &beta, y.operand.data())
-                                         : Entries<T>::mm(op, n, &alpha, &bsr, &d, x.operand.data(),
-                                                          x.ld, &beta, y.operand.data(), y.ld);
+              const jex_int status =
+                  vector ? Entries<T, jex_bsr>::mv(op, &alpha, &bsr, &d, x.operand.data(), &beta,
+                                                   y.operand.data())
+                         : Entries<T, jex_bsr>::mm(op, n, &alpha, &bsr, &d, x.operand.data(), x.ld,
+                                                   &beta, y.operand.data(), y.ld);
               const bool there_is_none =
                   (kind == 'H' && is_complex<T>) || ((kind == 'S' || kind == 'H') && diag == 'U');
               ASSERT_EQ(status, there_is_none ? JEX_SPARSE_WRONG_DESCRIPTOR : JEX_SPARSE_OK);

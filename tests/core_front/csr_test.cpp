@@ -1,12 +1,8 @@
 // The users' sparse entries against dense matrices in long double, for every descriptor and
 // operation; malformed input; any number of threads.
 
+#include "core_front/sparse_entries.h"
 #include "spblas/csr_model.h"
-
-#include <jex/core.h>
-#include <jex/spblas.h>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 
@@ -14,32 +10,8 @@ namespace jex::test {
 namespace {
 
 template <class T>
-struct Entries;
-#define JEX_TEST_CSR(E, T)                     \
-  template <>                                  \
-  struct Entries<T> {                          \
-    static constexpr auto mv = jex_##E##csrmv; \
-    static constexpr auto mm = jex_##E##csrmm; \
-    static constexpr auto sv = jex_##E##csrsv; \
-    static constexpr auto sm = jex_##E##csrsm; \
-  };
-JEX_TEST_CSR(s, float)
-JEX_TEST_CSR(d, double)
-JEX_TEST_CSR(c, jex_scomplex)
-JEX_TEST_CSR(z, jex_dcomplex)
-
-template <class T>
 class CsrFront : public testing::Test {};
-using Element4 = testing::Types<float, double, jex_scomplex, jex_dcomplex>;
 TYPED_TEST_SUITE(CsrFront, Element4);
-
-template <class T>
-T number(double re) {
-  T value = {};
-  const Real<T> part = re;
-  memcpy(&value, &part, sizeof part);
-  return value;
-}
 
 // A random call. The user's letters become a kernel name for the generator and the dense matrix;
 // the transposes of symmetric and skew matrices are taken on the dense one.
@@ -55,9 +27,7 @@ struct Call {
   Call(Random& random, char op, char kind, char uplo, char diag, int base, bool solve)
       : descriptor{kind, uplo, diag, base, 0},
         op(op),
-        name("jex_spblas_dcsr" + std::to_string(base) + "n" + char(tolower(kind)) +
-             (kind == 'G' || kind == 'D' ? '_' : char(tolower(uplo))) +
-             (kind == 'G' || kind == 'A' ? '_' : char(tolower(diag))) + "c__" +
+        name("jex_spblas_dcsr" + std::to_string(base) + kernel_letters(kind, uplo, diag) + "c__" +
              (solve ? "svout_seq" : "mvout_par")),
         m(random.between(1, 20)),
         columns(kind == 'G' ? random.between(1, 20) : m),
@@ -149,10 +119,10 @@ TYPED_TEST(CsrFront, Products) {
         random.pick({number<T>(0), number<T>(1), random_value<T>(random, Values::plain)});
     if (exact(beta) == Exact(0)) y.operand.data()[0] = not_a_number<T>();
     const jex_int status =
-        vector ? Entries<T>::mv(call.op, &alpha, &call.csr, &call.descriptor, x.operand.data(),
-                                &beta, y.operand.data())
-               : Entries<T>::mm(call.op, n, &alpha, &call.csr, &call.descriptor, x.operand.data(),
-                                x.ld, &beta, y.operand.data(), y.ld);
+        vector ? Entries<T, jex_csr>::mv(call.op, &alpha, &call.csr, &call.descriptor,
+                                         x.operand.data(), &beta, y.operand.data())
+               : Entries<T, jex_csr>::mm(call.op, n, &alpha, &call.csr, &call.descriptor,
+                                         x.operand.data(), x.ld, &beta, y.operand.data(), y.ld);
     ASSERT_EQ(status, JEX_SPARSE_OK);
     expect_product(call, alpha, x, beta, y);
   });
@@ -166,10 +136,11 @@ TYPED_TEST(CsrFront, Solves) {
     DenseMatrix<T> b(random, call.m, n, by_rows, vector ? 0 : 2);
     DenseMatrix<T> c(random, call.m, n, by_rows, vector ? 0 : 1);
     const T alpha = number<T>(random.pick({1, 3}));
-    const jex_int status = vector ? Entries<T>::sv(call.op, &alpha, &call.csr, &call.descriptor,
-                                                   b.operand.data(), c.operand.data())
-                                  : Entries<T>::sm(call.op, n, &alpha, &call.csr, &call.descriptor,
-                                                   b.operand.data(), b.ld, c.operand.data(), c.ld);
+    const jex_int status =
+        vector ? Entries<T, jex_csr>::sv(call.op, &alpha, &call.csr, &call.descriptor,
+                                         b.operand.data(), c.operand.data())
+               : Entries<T, jex_csr>::sm(call.op, n, &alpha, &call.csr, &call.descriptor,
+                                         b.operand.data(), b.ld, c.operand.data(), c.ld);
     ASSERT_EQ(status, JEX_SPARSE_OK);
     const auto after = c.operand.values();
     for (int j = 0; j < n; ++j)

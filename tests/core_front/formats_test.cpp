@@ -1,35 +1,14 @@
 // One matrix in CSR, COO and DIA storage through the users' entries: the same product and the same
 // solution for every descriptor and operation; large ones in pieces; malformed input.
 
+#include "core_front/sparse_entries.h"
 #include "spblas/dia_matrix.h"
-
-#include <jex/core.h>
-#include <jex/spblas.h>
 
 #include <functional>
 #include <limits.h>
 
 namespace jex::test {
 namespace {
-
-template <class T, class Storage>
-struct Entries;
-#define JEX_TEST_FORMAT(E, T, FORMAT)               \
-  template <>                                       \
-  struct Entries<T, jex_##FORMAT> {                 \
-    static constexpr auto mv = jex_##E##FORMAT##mv; \
-    static constexpr auto mm = jex_##E##FORMAT##mm; \
-    static constexpr auto sv = jex_##E##FORMAT##sv; \
-    static constexpr auto sm = jex_##E##FORMAT##sm; \
-  };
-#define JEX_TEST_FORMATS(E, T) \
-  JEX_TEST_FORMAT(E, T, csr)   \
-  JEX_TEST_FORMAT(E, T, coo)   \
-  JEX_TEST_FORMAT(E, T, dia)
-JEX_TEST_FORMATS(s, float)
-JEX_TEST_FORMATS(d, double)
-JEX_TEST_FORMATS(c, jex_scomplex)
-JEX_TEST_FORMATS(z, jex_dcomplex)
 
 // The diagonals of a matrix, and the same as rows and as a list, by a base.
 template <class T>
@@ -86,10 +65,8 @@ struct Formats {
 };
 
 KernelName name_of(char type, char kind, char uplo, char diag, bool solve) {
-  return KernelName(std::string("jex_spblas_") + type + "dia1n" + char(tolower(kind)) +
-                    (kind == 'G' || kind == 'D' ? '_' : char(tolower(uplo))) +
-                    (kind == 'G' || kind == 'A' ? '_' : char(tolower(diag))) + "f__" +
-                    (solve ? "svout_seq" : "mvout_par"));
+  return KernelName(std::string("jex_spblas_") + type + "dia1" + kernel_letters(kind, uplo, diag) +
+                    "f__" + (solve ? "svout_seq" : "mvout_par"));
 }
 
 // op(A) of the dense A, row after row.
@@ -106,16 +83,7 @@ std::vector<Exact> applied(char op, const std::vector<Exact>& a, int m, int colu
 
 template <class T>
 class FormatsFront : public testing::Test {};
-using Element4 = testing::Types<float, double, jex_scomplex, jex_dcomplex>;
 TYPED_TEST_SUITE(FormatsFront, Element4);
-
-template <class T>
-T number(double re) {
-  T value = {};
-  const Real<T> part = re;
-  memcpy(&value, &part, sizeof part);
-  return value;
-}
 
 template <class T>
 void expect_agreement(unsigned seed, char kind, char uplo, char diag, char op, int base,
