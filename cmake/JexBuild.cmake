@@ -70,3 +70,14 @@ function(jex_export_lists target)
     VERBATIM)
   add_custom_target(${target} DEPENDS "${stamp}")
 endfunction()
+
+# jex_install(<target> <exported name> <folder>): a library for users, exported as jex::<name>. Its name
+# without a version is the linker's business, and that of the development package.
+function(jex_install target name folder)
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
+  install(TARGETS ${target} EXPORT jexTargets
+    LIBRARY DESTINATION "${folder}" COMPONENT libraries NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION "${folder}" COMPONENT development
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT libraries
+    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+endfunction()
