@@ -15,6 +15,8 @@ std::vector<Case> all_cases() {
   add_blocks(cases);
   add_fft(cases);
   add_pde(cases);
+  add_gmp(cases);
+  add_memory(cases);
   return cases;
 }
 

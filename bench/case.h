@@ -53,6 +53,8 @@ void add_sparse(std::vector<Case>& cases);
 void add_blocks(std::vector<Case>& cases);
 void add_fft(std::vector<Case>& cases);
 void add_pde(std::vector<Case>& cases);
+void add_gmp(std::vector<Case>& cases);
+void add_memory(std::vector<Case>& cases);
 
 std::vector<Case> all_cases();
 

@@ -1,6 +1,7 @@
 #include "entries.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <unordered_map>
 
 #include <jex/core.h>
@@ -37,10 +38,11 @@ Entry module_entry(const std::string& routine) {
     return {table.at(commit->second), Abi::module};
   if (routine.find("trig") == 1)
     return {table.at("jex_pdett_" + routine.substr(0, 1) + "_forward_trig_transform"), Abi::module};
+  if (routine == "buffer") return {table.at("jex_serv_allocate"), Abi::module};
   if (routine == "dpoisson") return {table.at("jex_pdepl_d_helmholtz_2d"), Abi::module};
   // The drivers of level 3 have an x before their names.
   for (const char* family :
-       {"jex_blas_", "jex_blas_x", "jex_spblas_", "jex_trans_jex_", "jex_xblas_blas_"})
+       {"jex_blas_", "jex_blas_x", "jex_spblas_", "jex_trans_jex_", "jex_xblas_blas_", "jex_gmp_"})
     if (const auto found = table.find(family + routine); found != table.end())
       return {found->second, Abi::module};
   return {};
@@ -53,7 +55,17 @@ PeerLibrary::PeerLibrary(const std::string& path)
 }
 
 Entry PeerLibrary::entry(const std::string& routine) const {
-  return {dlsym(handle_, (routine + "_").c_str()), Abi::fortran};
+  // A C library bears its own names. What a peer itself is linked with is no routine of its own.
+  const link_map* own = nullptr;
+  dlinfo(handle_, RTLD_DI_LINKMAP, &own);
+  for (const std::string& name : {routine + "_", routine}) {
+    Dl_info where;
+    void* address = dlsym(handle_, name.c_str());
+    if (address && dladdr(address, &where) && own &&
+        where.dli_fbase == reinterpret_cast<void*>(own->l_addr))
+      return {address, Abi::fortran};
+  }
+  return {};
 }
 
 }  // namespace jex::bench

@@ -48,7 +48,8 @@ Peers find_peers() {
   add("netlib", system + "blas/libblas.so.3", "libblas3:i386");
   add("FFTW", own + "libjex_bench_fftw.so", "libfftw3-dev:i386");
   add("plain loop", own + "libjex_bench_doubledouble.so", "none: built with the benchmark");
-  add("memcpy", own + "libjex_bench_memcpy.so", "none: built with the benchmark");
+  add("C library", own + "libjex_bench_c_library.so", "none: built with the benchmark");
+  add("GNU MP", system + "libgmp.so.10", "libgmp10:i386");
 
   const std::string openblas = first_match(system + "openblas-serial/libopenblas.so.0");
   if (openblas.empty()) peers.missing.push_back("OpenBLAS (package libopenblas0-serial:i386)");

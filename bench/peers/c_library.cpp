@@ -1,5 +1,7 @@
-// Peer library: the copies of level 1 by the C library's memcpy. Unit strides only.
+// Peer library: the copies of level 1 by the C library's memcpy, unit strides only, and work
+// buffers by its malloc.
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #define COPY(name, size)                                                          \
@@ -11,3 +13,7 @@ COPY(scopy_, 4)
 COPY(dcopy_, 8)
 COPY(ccopy_, 8)
 COPY(zcopy_, 16)
+
+extern "C" __attribute__((visibility("default"))) void* buffer_(uint32_t size, int32_t) {
+  return std::malloc(size);
+}
