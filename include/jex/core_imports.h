@@ -130,20 +130,24 @@ JEX_API void jex_blas_xstrmm_4vek(const char* side, const char* uplo, const char
 /**
  * @brief GNU MP's gmp_fprintf: formatted output with %Zd and its kin beside the formats of C.
  * @param stream a `FILE*` of the C library that the core uses, as in all of the following
+ * @param format text, conversions of C and GNU MP among it
  * @return characters written, or -1 on an output error
  */
 JEX_API int jex_gmp___gmp_fprintf(void* stream, const char* format, ...);
 
 /**
  * @brief Reads an integer in the raw format of jex_gmp___gmpz_out_raw() (mpz_inp_raw).
- * @param x an `mpz_ptr`
+ * @param x      an `mpz_ptr`
+ * @param stream where it is read from
  * @return bytes read, 0 on an error
  */
 JEX_API uint32_t jex_gmp___gmpz_inp_raw(void* x, void* stream);
 
 /**
  * @brief Reads an integer as digits, white space before them skipped (mpz_inp_str).
- * @param base 2 to 62, or 0 to take it from the prefix 0x, 0b or 0
+ * @param x      an `mpz_ptr`
+ * @param stream where it is read from
+ * @param base   2 to 62, or 0 to take it from the prefix 0x, 0b or 0
  * @return bytes read, 0 on an error
  */
 JEX_API uint32_t jex_gmp___gmpz_inp_str(void* x, void* stream, int base);
@@ -151,14 +155,17 @@ JEX_API uint32_t jex_gmp___gmpz_inp_str(void* x, void* stream, int base);
 /**
  * @brief Writes an integer as four bytes of signed length, then its magnitude, most significant
  *        byte first (mpz_out_raw).
- * @param x an `mpz_srcptr`
+ * @param stream where it is written to
+ * @param x      an `mpz_srcptr`
  * @return bytes written, 0 on an error
  */
 JEX_API uint32_t jex_gmp___gmpz_out_raw(void* stream, const void* x);
 
 /**
  * @brief Writes an integer as digits (mpz_out_str).
- * @param base 2 to 62, or -2 to -36 for upper case letters
+ * @param stream where it is written to
+ * @param base   2 to 62, or -2 to -36 for upper case letters
+ * @param x      an `mpz_srcptr`
  * @return bytes written, 0 on an error
  */
 JEX_API uint32_t jex_gmp___gmpz_out_str(void* stream, int base, const void* x);

@@ -44,13 +44,14 @@ extern "C" {
  * @param data       2 * dimensions addresses
  * @param f          the grid
  */
-#define JEX_HELMHOLTZ(t, T)                                                            \
-  JEX_API jex_int jex_##t##helmholtz(jex_int dimensions, const T* begin, const T* end, \
-                                     const jex_int* n, const char* conditions, T q,    \
-                                     const T* const* data, T* f);
-JEX_HELMHOLTZ(s, float)
-JEX_HELMHOLTZ(d, double)
-#undef JEX_HELMHOLTZ
+JEX_API jex_int jex_dhelmholtz(jex_int dimensions, const double* begin, const double* end,
+                               const jex_int* n, const char* conditions, double q,
+                               const double* const* data, double* f);
+
+/** @brief The same in single precision. */
+JEX_API jex_int jex_shelmholtz(jex_int dimensions, const float* begin, const float* end,
+                               const jex_int* n, const char* conditions, float q,
+                               const float* const* data, float* f);
 
 #ifdef __cplusplus
 }

@@ -49,6 +49,7 @@ typedef struct {
  * 'F' have no entry in other formats; 'L' and 'U' store what lies between a line's first element
  * and the diagonal, and 'B' whole blocks, with zeros for what is not there.
  *
+ * @param from    the matrix to convert
  * @param format  the letter of the new format
  * @param base    its base
  * @param block   side of its blocks, at least 1, for 'B' alone
