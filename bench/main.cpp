@@ -85,6 +85,20 @@ void measure(Results& results, const Options& options) {
   show_progress("", "");
 }
 
+/// Opened before anything is measured, so that a run is not lost to a path that cannot be written.
+struct Report {
+  const std::string& path;
+  void (*write)(const Results&, FILE*);
+  FILE* file = nullptr;
+
+  bool open() { return path.empty() || (file = std::fopen(path.c_str(), "w")); }
+  bool finish(const Results& results) {
+    if (!file) return true;
+    write(results, file);
+    return std::fclose(file) == 0;
+  }
+};
+
 int run(const Options& options) {
   const std::vector<Case> cases = all_cases();
   Results results;
@@ -95,10 +109,10 @@ int run(const Options& options) {
     return 0;
   }
   if (jex_core_load() != 0) return complain(jex_core_error());
-  FILE* json = nullptr;
-  if (!options.json.empty() && !(json = std::fopen(options.json.c_str(), "w"))) {
-    return complain("cannot write " + options.json + ": " + std::strerror(errno));
-  }
+  Report reports[] = {{options.json, write_json}, {options.markdown, write_markdown}};
+  for (Report& report : reports)
+    if (!report.open())
+      return complain("cannot write " + report.path + ": " + std::strerror(errno));
   results.peers = find_peers();
   for (const std::string& path : options.libraries) {
     results.peers.installed.push_back({std::filesystem::path(path).filename(), path, ""});
@@ -110,10 +124,8 @@ int run(const Options& options) {
   // Again, for the better of both: others' load must not lower the limits.
   results.limits.raise_to(measure_limits());
   print_table(results);
-  if (json) {
-    write_json(results, json);
-    if (std::fclose(json) != 0) return complain("cannot write " + options.json);
-  }
+  for (Report& report : reports)
+    if (!report.finish(results)) return complain("cannot write " + report.path);
   if (options.plot)
     draw_plots(results, std::filesystem::path(program_folder()).parent_path() / "plots");
   const bool crashed = std::any_of(results.rows.begin(), results.rows.end(),

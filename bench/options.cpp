@@ -9,13 +9,17 @@ const char usage[] =
     "usage: jex-bench [options]\n"
     "Times the kernels of libjex_q7t beside the peers that are installed.\n"
     "\n"
-    "  --only PATTERN  cases whose name has this part or matches this glob; several allowed.\n"
+    "  --only PATTERN  cases whose family is this, or whose name has this part or matches this "
+    "glob;\n"
+    "                  several allowed.\n"
     "                  A case's own name runs that case alone: --only ddot/1000/aligned\n"
     "  --peer PATTERN  peers, in the same way: --peer Eigen\n"
     "  --library PATH  one more peer: a shared library with Fortran BLAS symbols\n"
     "  --quick         fewer sizes and repetitions\n"
     "  --json FILE     also write all measurements to FILE\n"
-    "  --plot          also draw ratios and rates into the folder plots of the build, with gnuplot\n"
+    "  --markdown FILE also write the tables of docs/measurements.md to FILE\n"
+    "  --plot          also draw ratios and rates into the folder plots of the build, with "
+    "gnuplot\n"
     "  --list          print the names of the cases and stop\n"
     "  --help          print this and stop\n";
 
@@ -24,6 +28,10 @@ namespace {
 bool any_matches(const std::vector<std::string>& patterns, const std::string& text) {
   return patterns.empty() || std::any_of(patterns.begin(), patterns.end(),
                                          [&](const std::string& p) { return matches(p, text); });
+}
+
+bool any_equals(const std::vector<std::string>& patterns, const std::string& text) {
+  return std::find(patterns.begin(), patterns.end(), text) != patterns.end();
 }
 
 }  // namespace
@@ -41,7 +49,8 @@ std::vector<const Case*> select_cases(const std::vector<Case>& cases, const Opti
   std::vector<const Case*> selected;
   for (const Case& c : cases) {
     const bool named = std::count(names.begin(), names.end(), c.name) > 0;
-    const bool matched = (names.empty() || !patterns.empty()) && any_matches(patterns, c.name);
+    const bool matched = (names.empty() || !patterns.empty()) &&
+                         (any_matches(patterns, c.name) || any_equals(patterns, c.family));
     if (named || (matched && (c.quick || !options.quick))) selected.push_back(&c);
   }
   return selected;
@@ -50,8 +59,8 @@ std::vector<const Case*> select_cases(const std::vector<Case>& cases, const Opti
 bool parse(int argc, char** argv, Options& options, std::string& mistake) {
   for (int i = 1; i < argc; ++i) {
     const std::string_view flag = argv[i];
-    const bool takes_value =
-        flag == "--only" || flag == "--peer" || flag == "--json" || flag == "--library";
+    const bool takes_value = flag == "--only" || flag == "--peer" || flag == "--json" ||
+                             flag == "--markdown" || flag == "--library";
     if (takes_value && i + 1 == argc) {
       mistake = std::string(flag) + " needs a value";
       return false;
@@ -64,6 +73,8 @@ bool parse(int argc, char** argv, Options& options, std::string& mistake) {
       options.libraries.push_back(argv[++i]);
     } else if (flag == "--json") {
       options.json = argv[++i];
+    } else if (flag == "--markdown") {
+      options.markdown = argv[++i];
     } else if (flag == "--quick") {
       options.quick = true;
     } else if (flag == "--plot") {

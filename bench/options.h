@@ -14,7 +14,7 @@ struct Options {
   std::vector<std::string> only;       // case patterns; empty for all
   std::vector<std::string> peers;      // peer patterns; empty for all
   std::vector<std::string> libraries;  // paths of further peers
-  std::string json;                    // file, or empty
+  std::string json, markdown;          // files, or empty
 
   bool selects(const Peer& peer) const;
 };

@@ -31,6 +31,7 @@ struct Results {
 
 void print_table(const Results& results);
 void write_json(const Results& results, FILE* file);
+void write_markdown(const Results& results, FILE* file);
 
 /// Draws the ratios, one SVG for each family and size; says where they are, or what is missing.
 void draw_plots(const Results& results, const std::string& folder);
