@@ -5,6 +5,8 @@
 #include <jex/blas.h>
 #include <jex/exports.h>
 
+#include "core_front/argument.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -16,11 +18,9 @@
 
 namespace {
 
-// Memory behind one argument: a scalar, or a vector of up to 5 elements with increments up to 3.
-struct Operand {
-  alignas(16) unsigned char bytes[16 * 16];
-  bool operator==(const Operand&) const = default;
-};
+// A scalar, or a vector of up to 5 elements with increments up to 3.
+using Operand = jex::test::ArgumentMemory<16 * 16>;
+using jex::test::argument;
 
 // The first integer is n, the others are increments: 2 for the first vector, -3 for the second.
 // Reals depend on the position of the argument, so that no two arguments can stand for each other.
@@ -40,17 +40,6 @@ Operand operand(size_t position) {
     }
   }
   return result;
-}
-
-template <class A>
-A argument(Operand& memory) {
-  if constexpr (std::is_pointer_v<A>) {
-    return reinterpret_cast<A>(memory.bytes);
-  } else {
-    A value;
-    memcpy(&value, memory.bytes, sizeof value);
-    return value;
-  }
 }
 
 template <class R>

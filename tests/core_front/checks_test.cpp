@@ -3,6 +3,8 @@
 
 #include <jex/blas.h>
 
+#include "core_front/argument.h"
+
 #include <gtest/gtest.h>
 
 #include <limits.h>
@@ -84,10 +86,8 @@ const Signature signatures[] = {
 enum class Form { fortran, columns, rows };
 
 // Memory behind one argument: an integer, an option, a scalar or an array.
-struct Operand {
-  alignas(16) unsigned char bytes[16 * 64];
-  bool operator==(const Operand&) const = default;
-};
+using Operand = jex::test::ArgumentMemory<16 * 64>;
+using jex::test::argument;
 
 struct Call {
   std::string arguments;  // as in the signature, with O before them for C
@@ -157,17 +157,6 @@ struct Call {
   }
   bool checked(size_t i) const { return arguments[i] != '.'; }
 };
-
-template <class A>
-A argument(Operand& memory) {
-  if constexpr (std::is_pointer_v<A>) {
-    return reinterpret_cast<A>(memory.bytes);
-  } else {
-    A value;
-    memcpy(&value, memory.bytes, sizeof value);
-    return value;
-  }
-}
 
 template <class... A>
 void invoke(void (*entry)(A...), Call& call) {

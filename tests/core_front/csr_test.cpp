@@ -69,19 +69,11 @@ struct Call {
 
 template <class T, class Body>
 void for_calls(bool solve, Body body) {
-  for (const char kind : {'G', 'S', 'H', 'T', 'D', 'A'})
-    for (const char uplo : {'L', 'U'})
-      for (const char diag : {'N', 'U'})
-        for (const char op : {'N', 'T', 'C'})
-          for (const int base : {0, 1})
-            for (const unsigned seed : case_seeds(4)) {
-              if (solve && !(kind == 'T' || (kind == 'D' && diag == 'N'))) continue;
-              Random random(seed);
-              Call<T> call(random, op, kind, uplo, diag, base, solve);
-              body(random, call);
-              if (testing::Test::HasFailure())
-                FAIL() << "JEX_CASE=" << seed << " " << kind << uplo << diag << op << base;
-            }
+  for_letters(solve, [&](const CallLetters& l) {
+    Random random(l.seed);
+    Call<T> call(random, l.op, l.kind, l.uplo, l.diag, l.base, solve);
+    body(random, call);
+  });
 }
 
 // |got - alpha op(A) x - beta y| within rounding, element by element.

@@ -49,6 +49,30 @@ inline std::string kernel_letters(char kind, char uplo, char diag) {
          (kind == 'G' || kind == 'A' ? '_' : char(tolower(diag)));
 }
 
+// The letters of a call, and the seed of its operands.
+struct CallLetters {
+  char kind, uplo, diag, op;
+  int base;
+  unsigned seed;
+};
+
+// Every combination that the front serves; solves take triangles and stored diagonals.
+template <class Body>
+void for_letters(bool solve, Body body) {
+  for (const char kind : {'G', 'S', 'H', 'T', 'D', 'A'})
+    for (const char uplo : {'L', 'U'})
+      for (const char diag : {'N', 'U'})
+        for (const char op : {'N', 'T', 'C'})
+          for (const int base : {0, 1})
+            for (const unsigned seed : case_seeds(4)) {
+              if (solve && !(kind == 'T' || (kind == 'D' && diag == 'N'))) continue;
+              body(CallLetters{kind, uplo, diag, op, base, seed});
+              if (testing::Test::HasFailure())
+                FAIL() << "JEX_CASE=" << seed << " " << kind << uplo << diag << op << base
+                       << (solve ? " solve" : "");
+            }
+}
+
 template <class T>
 T number(double re) {
   T value = {};

@@ -62,6 +62,17 @@ class Descriptor {
     set(JEX_DFT_FORWARD_SCALE_S, float(forward));
     set(JEX_DFT_BACKWARD_SCALE_S, float(backward));
   }
+  // Layouts of both sides: stride, offset and distance of what goes in and what comes out.
+  template <class Layout>
+  void set_layouts(jex_int count, const Layout& in, const Layout& out) {
+    set(JEX_DFT_NUMBER_OF_TRANSFORMS, count);
+    set(JEX_DFT_INPUT_STRIDE, in.stride);
+    set(JEX_DFT_INPUT_OFFSET, in.offset);
+    set(JEX_DFT_INPUT_DISTANCE, in.distance);
+    set(JEX_DFT_OUTPUT_STRIDE, out.stride);
+    set(JEX_DFT_OUTPUT_OFFSET, out.offset);
+    set(JEX_DFT_OUTPUT_DISTANCE, out.distance);
+  }
   jex_dft_descriptor* pointer() { return first_; }
   operator jex_dft_descriptor*() { return first_; }
 

@@ -48,13 +48,7 @@ class Layouts : public testing::Test {
     d.set_scale(0.5, 0.25);
     d[JEX_DFT_PLACEMENT] = in_place ? JEX_DFT_IN_PLACE : JEX_DFT_NOT_IN_PLACE;
     d[JEX_DFT_COMPLEX_STORAGE] = separate ? JEX_DFT_SEPARATE : JEX_DFT_INTERLEAVED;
-    d[JEX_DFT_NUMBER_OF_TRANSFORMS] = in.count;
-    d[JEX_DFT_INPUT_STRIDE] = in.stride;
-    d[JEX_DFT_INPUT_OFFSET] = in.offset;
-    d[JEX_DFT_INPUT_DISTANCE] = in.distance;
-    d[JEX_DFT_OUTPUT_STRIDE] = out.stride;
-    d[JEX_DFT_OUTPUT_OFFSET] = out.offset;
-    d[JEX_DFT_OUTPUT_DISTANCE] = out.distance;
+    d.set_layouts(in.count, in, out);
   }
 
   // An array of T, or its two halves when the parts are apart, each against the guard page.

@@ -59,13 +59,7 @@ class RealLayouts : public testing::Test {
     }
     Descriptor d = real_1d<T>(n, format, in_place);
     d.set_scale(0.5, 0.25);
-    d[JEX_DFT_NUMBER_OF_TRANSFORMS] = count;
-    d[JEX_DFT_INPUT_STRIDE] = in.stride;
-    d[JEX_DFT_INPUT_OFFSET] = in.offset;
-    d[JEX_DFT_INPUT_DISTANCE] = in.distance;
-    d[JEX_DFT_OUTPUT_STRIDE] = out.stride;
-    d[JEX_DFT_OUTPUT_OFFSET] = out.offset;
-    d[JEX_DFT_OUTPUT_DISTANCE] = out.distance;
+    d.set_layouts(count, in, out);
     ASSERT_EQ(d.commit(), 0);
     ASSERT_EQ(in_place ? d.compute(forward, x.data()) : d.compute(forward, x.data(), y.data()), 0);
     std::vector<bool> is_result(target.size());

@@ -64,32 +64,19 @@ TYPED_TEST(Coo, AMissingDiagonalIsZero) {
 
 // Sizes below 1 and empty ranges: no operand need exist.
 TYPED_TEST(Coo, EmptyTouchesNothing) {
-  using T = TypeParam;
-  using Int = const jex_int*;
-  const T alpha = {}, *const values = nullptr;
-  T* const y = nullptr;
-  const jex_int zero = 0, one = 1, count = 3;
-  const Int none = nullptr;
-  for (const auto& kernel : kernels_of("coo", letter<T>, "")) {
-    const auto call = [&](auto... arguments) {
-      reinterpret_cast<void (*)(decltype(arguments)...)>(kernel.address)(arguments...);
-    };
-    for (const int which : {0, 1, 2}) {
-      const Int last = which == 0 ? &zero : &one, m = which == 1 ? &zero : &one;
-      const Int n = which == 2 ? &zero : &one;
-      if (kernel.name.is("mvout_par") && which < 2)
-        call(Int(&one), last, m, n, &alpha, values, none, none, Int(&count), values, y);
-      else if (kernel.name.is("mvout_seq") && which == 1)
-        call(m, n, &alpha, values, none, none, Int(&count), values, y);
-      else if (kernel.name.is("mmout_par"))
-        call(Int(&one), last, m, n, &alpha, values, none, none, Int(&count), values, Int(&one), y,
-             Int(&one));
-      else if (kernel.name.is("svout_seq") && which == 1)
-        call(m, none, none, values, none, none, Int(&count), none, y);
-      else if (kernel.name.is("smout_par"))
-        call(Int(&one), last, m, n, &alpha, values, none, none, Int(&count), y, Int(&one));
-    }
-  }
+  for_empty<TypeParam>("coo", 3, [](const auto& o) {
+    if (o.is("mvout_par") && o.empty < 2)
+      o.call(o.one, o.last, o.m, o.n, o.alpha, o.values, o.none, o.none, o.count, o.values, o.y);
+    else if (o.is("mvout_seq") && o.empty == 1)
+      o.call(o.m, o.n, o.alpha, o.values, o.none, o.none, o.count, o.values, o.y);
+    else if (o.is("mmout_par"))
+      o.call(o.one, o.last, o.m, o.n, o.alpha, o.values, o.none, o.none, o.count, o.values, o.one,
+             o.y, o.one);
+    else if (o.is("svout_seq") && o.empty == 1)
+      o.call(o.m, o.none, o.none, o.values, o.none, o.none, o.count, o.none, o.y);
+    else if (o.is("smout_par"))
+      o.call(o.one, o.last, o.m, o.n, o.alpha, o.values, o.none, o.none, o.count, o.y, o.one);
+  });
 }
 
 }  // namespace

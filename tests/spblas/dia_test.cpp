@@ -88,31 +88,19 @@ TYPED_TEST(Dia, AMissingDiagonalIsZero) {
 
 // Sizes below 1 and empty ranges: no operand need exist.
 TYPED_TEST(Dia, EmptyTouchesNothing) {
-  using T = TypeParam;
-  using Int = const jex_int*;
-  const T alpha = {}, *const values = nullptr;
-  T* const y = nullptr;
-  const jex_int zero = 0, one = 1, count = 3;
-  const Int none = nullptr;
-  for (const auto& kernel : kernels_of("dia", letter<T>, "")) {
-    const auto call = [&](auto... arguments) {
-      reinterpret_cast<void (*)(decltype(arguments)...)>(kernel.address)(arguments...);
-    };
-    for (const int which : {0, 1, 2, 3}) {
-      const Int last = which == 0 ? &zero : &one, m = which == 1 ? &zero : &one;
-      const Int n = which == 2 ? &zero : &one, k = which == 3 ? &zero : &one, l = &one, d = &count;
-      if (kernel.name.is("mv") && (which == 1 || which == 3))
-        call(none, none, m, k, &alpha, values, l, none, d, values, y);
-      else if (kernel.name.is("mm"))
-        call(l, last, m, n, k, &alpha, values, l, none, d, values, l, y, l);
-      else if (kernel.name.is("svout_seq") && which == 1)
-        call(m, values, values, l, none, d, y);
-      else if (kernel.name.is("smout_par") && which < 3)
-        call(l, last, m, n, values, values, l, none, d, y, l);
-      else if (kernel.name.is("smout_seq") && (which == 1 || which == 2))
-        call(m, n, values, values, l, none, d, y, l);
-    }
-  }
+  for_empty<TypeParam>("dia", 4, [](const auto& o) {
+    const auto l = o.one, d = o.count;
+    if (o.is("mv") && (o.empty == 1 || o.empty == 3))
+      o.call(o.none, o.none, o.m, o.k, o.alpha, o.values, l, o.none, d, o.values, o.y);
+    else if (o.is("mm"))
+      o.call(l, o.last, o.m, o.n, o.k, o.alpha, o.values, l, o.none, d, o.values, l, o.y, l);
+    else if (o.is("svout_seq") && o.empty == 1)
+      o.call(o.m, o.values, o.values, l, o.none, d, o.y);
+    else if (o.is("smout_par") && o.empty < 3)
+      o.call(l, o.last, o.m, o.n, o.values, o.values, l, o.none, d, o.y, l);
+    else if (o.is("smout_seq") && (o.empty == 1 || o.empty == 2))
+      o.call(o.m, o.n, o.values, o.values, l, o.none, d, o.y, l);
+  });
 }
 
 // first, last, step, main, flag

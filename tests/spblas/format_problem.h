@@ -116,4 +116,35 @@ void expect_dense_results() {
   });
 }
 
+// Operands of a call that may touch nothing: only the sizes are there, and one of them is 0.
+template <class T>
+struct NoOperands {
+  using Int = const jex_int*;
+  const Kernel& kernel;
+  int empty;  // which size: the range, the rows, the columns or those in between
+
+  static constexpr jex_int zero = 0, single = 1, several = 3;
+  static constexpr T scalar = {};
+  const T* alpha = &scalar;
+  const T* values = nullptr;
+  T* y = nullptr;
+  Int none = nullptr, one = &single, count = &several;
+  Int last = size(0), m = size(1), n = size(2), k = size(3);
+
+  bool is(const char* suffix) const { return kernel.name.is(suffix); }
+  template <class... Arguments>
+  void call(Arguments... arguments) const {
+    reinterpret_cast<void (*)(Arguments...)>(kernel.address)(arguments...);
+  }
+
+ private:
+  Int size(int place) const { return place == empty ? &zero : &single; }
+};
+
+template <class T, class Body>
+void for_empty(const char* format, int sizes, Body body) {
+  for (const auto& kernel : kernels_of(format, letter<T>, ""))
+    for (int empty = 0; empty < sizes; ++empty) body(NoOperands<T>{kernel, empty});
+}
+
 }  // namespace jex::test

@@ -3,11 +3,7 @@
 
 #ifdef _WIN32
 
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-#undef near
-#undef far
-#undef small
+#include "support/windows.h"
 
 #define RTLD_LAZY 0
 #define RTLD_NOW 0

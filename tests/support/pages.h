@@ -5,11 +5,7 @@
 #include <stdint.h>
 
 #ifdef _WIN32
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-#undef near
-#undef far
-#undef small
+#include "support/windows.h"
 #else
 #include <sys/mman.h>
 #endif

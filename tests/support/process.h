@@ -11,11 +11,7 @@
 #include <vector>
 
 #ifdef _WIN32
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-#undef near
-#undef far
-#undef small
+#include "support/windows.h"
 #else
 #include <fcntl.h>
 #include <sys/wait.h>
