@@ -5,16 +5,17 @@
 // by a parabola through the amplitudes of three neighbours of a transform padded with zeros to four
 // times the length, which samples the same spectrum more finely.
 #include <algorithm>
-#include <chrono>
 #include <numeric>
 
 #include <jex/dfti.h>
 
+#include "families/errors.h"
 #include "families/kernels.h"
 #include "tour/family.h"
 #include "tour/series.h"
 #include "tour/svg.h"
 #include "tour/text.h"
+#include "tour/timing.h"
 
 namespace jex::tour {
 namespace {
@@ -65,19 +66,19 @@ Definition compare_with_definition(const Samples& x, const Samples& transformed,
     c[k] = cosl(angle);
     s[k] = sinl(angle);
   }
-  long double distance = 0, size = 0, at_peak = 0;
+  RelativeError error;
+  long double at_peak = 0;
   for (size_t k = 0; k < n; ++k) {
     long double re = 0, im = 0;
     for (size_t j = 0, index = 0; j < n; ++j, index = (index + k) % n) {
       re += x[j].re * c[index] + x[j].im * s[index];
       im += x[j].im * c[index] - x[j].re * s[index];
     }
-    const long double dr = transformed[k].re - re, di = transformed[k].im - im;
-    distance += dr * dr + di * di;
-    size += re * re + im * im;
+    error.add(transformed[k].re, re);
+    error.add(transformed[k].im, im);
     if (k == peak) at_peak = (re * re + im * im) / n;
   }
-  return {static_cast<double>(sqrtl(distance / size)) / DBL_EPSILON, at_peak};
+  return {error.in_eps(), at_peak};
 }
 
 // The largest of P(1 .. n/2).
@@ -101,24 +102,18 @@ double refined_cycles(const Vector& values, size_t k) {
   return (best + shift) / fineness;
 }
 
-double rate(size_t n, const Samples& start) {
-  using Clock = std::chrono::steady_clock;
-  const Fourier fourier(n);
-  Samples x = start;
-  const auto begin = Clock::now();
-  double seconds = 0;
-  int pairs = 0;
-  for (; seconds < 0.05; seconds = std::chrono::duration<double>(Clock::now() - begin).count())
-    for (int i = 0; i < 16; ++i, ++pairs) fourier.forward(x), fourier.backward(x);
-  return 2 * pairs * 5.0 * n * std::log2(static_cast<double>(n)) / seconds;
+Rate rate(const Fourier& transform, Samples x) {
+  const size_t n = x.size();
+  const double pairs = times_per_second([&] { transform.forward(x), transform.backward(x); });
+  return {text("transforms of %zu values, counting 5 n log2 n", n),
+          2 * pairs * 5.0 * n * std::log2(static_cast<double>(n)) / 1e9, "GFLOP/s"};
 }
 
 Picture draw(const Series& series, const Vector& powers, size_t peak, double cycles) {
   const double span = series.values.size() * series.step;
-  svg::Panel values{series.y_name, series.x_name, series.y_name, {}, {}, {}};
-  values.curves.push_back({"series", series.first, series.step, series.values});
-  svg::Panel spectrum{"Spectrum", "cycles per unit of " + series.x_name, "power", {}, {}, {}};
-  spectrum.curves.push_back({"power", 0, 1 / span, powers});
+  const svg::Panel values = plot_of(series);
+  svg::Panel spectrum{"Spectrum", "cycles per unit of " + series.x_name, "power"};
+  spectrum.curves = {{"power", 0, 1 / span, powers}};
   spectrum.marks.push_back({peak / span, powers[peak], text("period %.4g", span / cycles)});
   return {"fourier.svg", svg::draw("Spectrum of " + series.y_name, {values, spectrum})};
 }
@@ -139,32 +134,33 @@ Report fourier(const Context& context) {
   for (size_t k = 0; k < powers.size(); ++k) powers[k] = power(spectrum[k], n);
   const size_t peak = highest(powers);
   const double cycles = refined_cycles(series.values, peak);
+  context.progress.tell("transform by its definition in long double");
   const Definition definition = compare_with_definition(x, spectrum, peak);
-  long double distance = 0, size = 0, energy = 0;
+  RelativeError returned;
+  long double size = 0, energy = 0;
   for (size_t i = 0; i < n; ++i) {
-    const long double dr = back[i].re - x[i].re, di = back[i].im;
-    distance += dr * dr + di * di;
+    returned.add(back[i].re, x[i].re);
+    returned.add(back[i].im, x[i].im);
     size += static_cast<long double>(x[i].re) * x[i].re;
     energy += power(spectrum[i], n);
   }
 
   const double log_n = std::log2(static_cast<double>(n)), bound = 1.5 * log_n;
   Report report;
-  report.problem = {{"file", printable(series.file, 4096)},
+  report.problem = {{"file", file_name(series.file)},
                     {"series", text("%zu values of %s", n, series.y_name.c_str())}};
   report.checks = {
       {"spectrum", text("%zu values", n), 1, definition.error, bound},
       compare("power at the peak", text("%.10g", powers[peak]), powers[peak], definition.peak,
               powers[peak], 4 * bound * std::sqrt(static_cast<double>(size) / powers[peak])),
-      {"there and back", text("%zu values", n), 1,
-       static_cast<double>(sqrtl(distance / size)) / DBL_EPSILON, 2 * bound},
+      {"there and back", text("%zu values", n), 1, returned.in_eps(), 2 * bound},
       compare("sum of the powers", text("%.10g", static_cast<double>(energy)),
               static_cast<double>(energy), size, static_cast<double>(size), 4 * bound)};
   report.findings = {
       {"period",
        text("%.4g, at %zu cycles in the series; it has %.1f %% of the variance",
-            n * series.step / cycles, peak, static_cast<double>(200 * powers[peak] / size))},
-      {"rate", text("%.2f GFLOP/s, n = %zu, counting 5 n log2 n", rate(n, x) / 1e9, n)}};
+            n * series.step / cycles, peak, static_cast<double>(200 * powers[peak] / size))}};
+  report.rates = {rate(transform, x)};
   report.pictures.push_back(draw(series, powers, peak, cycles));
   return report;
 }

@@ -43,9 +43,10 @@ struct Kernels {
     const double unit = 1, zero = 0;
     module.jex_blas_dsymv("U", &n, &unit, a.data(), &n, x.data(), &one, &zero, y.data(), &one);
   }
-  // The first n elements of x := inverse of op(U) x.
-  void trsv(const char* trans, jex_int n, const Vector& u, jex_int ldu, double* x) const {
-    module.jex_blas_dtrsv("U", trans, "N", &n, u.data(), &ldu, x, &one);
+  // The first n elements of x := inverse of op(A) x, A the upper or lower triangle.
+  void trsv(const char* uplo, const char* trans, jex_int n, const Vector& a, jex_int lda,
+            double* x) const {
+    module.jex_blas_dtrsv(uplo, trans, "N", &n, a.data(), &lda, x, &one);
   }
 
   // C := alpha A A' + beta C ("N", A is n x k) or alpha A'A + beta C, in the lower triangle.

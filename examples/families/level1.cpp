@@ -6,13 +6,14 @@
 // The period is the lag of the highest local peak of r behind its first zero and within n / 2,
 // refined by the parabola through the peak and its two neighbours.
 #include <algorithm>
-#include <chrono>
 
+#include "families/errors.h"
 #include "families/kernels.h"
 #include "tour/family.h"
 #include "tour/series.h"
 #include "tour/svg.h"
 #include "tour/text.h"
+#include "tour/timing.h"
 
 namespace jex::tour {
 namespace {
@@ -101,13 +102,9 @@ struct Conditions {
 };
 
 double largest_error(const Vector& r, const std::vector<long double>& exact) {
-  double largest = 0;
-  for (size_t k = 0; k < r.size(); ++k) {
-    const double error = static_cast<double>(fabsl(r[k] - exact[k]));
-    if (std::isnan(error)) return error;
-    largest = std::max(largest, error);
-  }
-  return largest;
+  long double largest = 0;
+  for (size_t k = 0; k < r.size(); ++k) keep_worst(largest, fabsl(r[k] - exact[k]));
+  return static_cast<double>(largest);
 }
 
 std::vector<Check> basic_checks(const Statistics& s, const Reference& exact) {
@@ -186,38 +183,19 @@ std::vector<Check> period_checks(const Period& period, const Series& series, con
   return checks;
 }
 
-struct Speed {
-  double rate, seconds;  // multiply-adds per second
-  int passes;
-};
-
-Speed time_autocorrelation(const Kernels& kernels, const Vector& z) {
-  using Clock = std::chrono::steady_clock;
-  double work = 0;
-  for (size_t k = 0; k < lags(z.size()); ++k) work += z.size() - k;
-  autocorrelation(kernels, z);
-  const auto start = Clock::now();
-  Speed speed{};
-  while (speed.seconds < 0.1) {
-    autocorrelation(kernels, z);
-    ++speed.passes;
-    speed.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  }
-  speed.rate = work * speed.passes / speed.seconds;
-  return speed;
+Rate rate(const Kernels& kernels, const Vector& z) {
+  double flops = 0;
+  for (size_t k = 0; k < lags(z.size()); ++k) flops += 2.0 * (z.size() - k);
+  const double passes = times_per_second([&] { autocorrelation(kernels, z); });
+  return {text("autocorrelation of %zu lags", lags(z.size())), flops * passes / 1e9, "GFLOP/s"};
 }
 
 Picture draw(const Series& series, const Vector& r, const Period& period) {
   const double noise = 1.96 / std::sqrt(static_cast<double>(series.values.size()));
-  svg::Panel values{series.y_name, series.x_name, series.y_name, {}, {}, {}};
-  values.curves.push_back({"series", series.first, series.step, series.values});
-  svg::Panel lagged{"Autocorrelation",
-                    "lag, in units of " + series.x_name,
-                    "autocorrelation",
-                    {},
-                    {{noise, "1.96 / √n"}, {-noise, ""}},
-                    {}};
-  lagged.curves.push_back({"autocorrelation", 0, series.step, r});
+  const svg::Panel values = plot_of(series);
+  svg::Panel lagged{"Autocorrelation", "lag, in units of " + series.x_name, "autocorrelation"};
+  lagged.curves = {{"autocorrelation", 0, series.step, r}};
+  lagged.levels = {{noise, "1.96 / √n"}, {-noise, ""}};
   if (period.lag)
     lagged.marks.push_back({period.lag * series.step, r[period.lag],
                             text("period %.4g", period.in_lags * series.step)});
@@ -238,23 +216,20 @@ Report level1(const Context& context) {
   const size_t n = series.values.size();
   const Kernels kernels{context.kernels};
   const Statistics s = analyse(kernels, series.values);
+  context.progress.tell("sums in long double");
   const Reference exact(series.values);
   const Period period = find_period(kernels, s.autocorrelation);
-  const Speed speed = time_autocorrelation(kernels, s.scaled);
 
   Report report;
-  report.problem = {{"file", printable(series.file, 4096)},
+  report.problem = {{"file", file_name(series.file)},
                     {"series", series.y_name + " against " + series.x_name},
                     {"values", text("%zu, from %.10g to %.10g in steps of %.10g", n, series.first,
                                     series.first + (n - 1) * series.step, series.step)}};
   report.checks = basic_checks(s, exact);
   for (Check& check : period_checks(period, series, s.autocorrelation, exact))
     report.checks.push_back(std::move(check));
-  report.findings = {
-      {"period", verdict(s.autocorrelation, period, n)},
-      {"rate", text("%.0f million multiply-adds per second (autocorrelation of %zu "
-                    "lags, %d times in %.3f s)",
-                    speed.rate / 1e6, s.autocorrelation.size(), speed.passes, speed.seconds)}};
+  report.findings = {{"period", verdict(s.autocorrelation, period, n)}};
+  report.rates = {rate(kernels, s.scaled)};
   report.pictures.push_back(draw(series, s.autocorrelation, period));
   return report;
 }

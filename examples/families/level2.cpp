@@ -5,19 +5,19 @@
 // = U'U is factored by bordering: column j of U above its diagonal solves U' u = R(1:j-1, j). The
 // prediction coefficients a solve R a = r(1:m), by U'z = r, U a = z.
 #include <algorithm>
-#include <chrono>
 #include <numeric>
 
+#include "families/errors.h"
 #include "families/kernels.h"
 #include "tour/family.h"
 #include "tour/series.h"
 #include "tour/svg.h"
 #include "tour/text.h"
+#include "tour/timing.h"
 
 namespace jex::tour {
 namespace {
 
-constexpr size_t most_lags = 128;
 // Added to r(0) = 1: a series that repeats itself exactly has a singular R.
 constexpr double ridge = 1e-6;
 
@@ -46,7 +46,7 @@ Vector factor(const Kernels& kernels, const Vector& matrix, size_t m) {
   for (size_t j = 0; j < m; ++j) {
     double* column = &u[j * m];
     std::copy_n(&matrix[j * m], j, column);
-    kernels.trsv("T", j, u, m, column);
+    kernels.trsv("U", "T", j, u, m, column);
     column[j] = std::sqrt(matrix[j + j * m] - kernels.dot(j, column, column));
   }
   return u;
@@ -73,10 +73,7 @@ struct Product {
 // max |product - y| in units of eps times the largest sum of magnitudes; NaN stays NaN.
 double residual(const Product& product, const Vector& y) {
   long double worst = 0;
-  for (size_t i = 0; i < y.size(); ++i) {
-    const long double distance = fabsl(product.value[i] - y[i]);
-    if (!(distance <= worst)) worst = distance;
-  }
+  for (size_t i = 0; i < y.size(); ++i) keep_worst(worst, fabsl(product.value[i] - y[i]));
   return static_cast<double>(worst / (DBL_EPSILON * product.largest));
 }
 
@@ -105,23 +102,25 @@ Mode leading_mode(const Kernels& kernels, const Vector& matrix, size_t m) {
   return mode;
 }
 
-template <class Work>
-double rate(double flops, Work work) {
-  using Clock = std::chrono::steady_clock;
-  const auto start = Clock::now();
-  double seconds = 0;
-  int passes = 0;
-  for (; seconds < 0.05; seconds = std::chrono::duration<double>(Clock::now() - start).count())
-    for (int i = 0; i < 16; ++i, ++passes) work();
-  return flops * passes / seconds;
+std::vector<Rate> rates(const Kernels& kernels, const Vector& matrix, const Vector& u, size_t m) {
+  Vector y(m), x(m, 1.0);
+  const double flops = double(m) * m;
+  const double products = times_per_second([&] { kernels.symv(matrix, x, y); });
+  const double solves = times_per_second([&] {
+    x.assign(m, 1.0);
+    kernels.trsv("U", "N", m, u, m, x.data());
+  });
+  return {{text("symmetric product of order %zu", m), 2 * flops * products / 1e9, "GFLOP/s"},
+          {text("triangular solve of order %zu", m), flops * solves / 1e9, "GFLOP/s"}};
 }
 
 Picture draw(const Series& series, const Mode& mode, const Vector& coefficients) {
   const std::string lag = "lag, in units of " + series.x_name;
-  svg::Panel shape{"Leading mode", lag, "mode", {}, {{0, ""}}, {}};
-  shape.curves.push_back({"mode", 0, series.step, mode.shape});
-  svg::Panel weights{"Prediction", lag, "weight", {}, {{0, ""}}, {}};
-  weights.curves.push_back({"weights", series.step, series.step, coefficients});
+  svg::Panel shape{"Leading mode", lag, "mode"};
+  shape.curves = {{"mode", 0, series.step, mode.shape}};
+  svg::Panel weights{"Prediction", lag, "weight"};
+  weights.curves = {{"weights", series.step, series.step, coefficients}};
+  shape.levels = weights.levels = {{0, ""}};
   return {"level2.svg",
           svg::draw("Leading mode and prediction of " + series.y_name, {shape, weights})};
 }
@@ -130,18 +129,19 @@ Picture draw(const Series& series, const Mode& mode, const Vector& coefficients)
 
 Report level2(const Context& context) {
   const Series series = read_series(context.file.empty() ? sunspots_file() : context.file);
-  const size_t m = std::min(most_lags, series.values.size() / 2);
+  const size_t m = std::min<size_t>(context.size, series.values.size() / 2);
   const Kernels kernels{context.kernels};
   const Vector r = autocorrelation(series.values, m);
   const Vector matrix = toeplitz(r, m);
 
   const Vector u = factor(kernels, matrix, m);
   Vector coefficients(r.begin() + 1, r.end());
-  kernels.trsv("T", m, u, m, coefficients.data());
-  kernels.trsv("N", m, u, m, coefficients.data());
+  kernels.trsv("U", "T", m, u, m, coefficients.data());
+  kernels.trsv("U", "N", m, u, m, coefficients.data());
   const Vector lagged(r.begin() + 1, r.end());
   const double error_variance = r[0] - kernels.dot(m, coefficients.data(), lagged.data());
 
+  context.progress.tell("power iteration");
   const Mode mode = leading_mode(kernels, matrix, m);
   const Product solved(matrix, coefficients), image(matrix, mode.shape);
   long double quotient = 0, length = 0, distance = 0;
@@ -152,15 +152,7 @@ Report level2(const Context& context) {
   }
   quotient /= length;
 
-  Vector y(m), x(m, 1.0);
-  const double order = m;
-  const double product_rate = rate(2 * order * order, [&] { kernels.symv(matrix, x, y); });
-  const double solve_rate = rate(order * order, [&] {
-    x.assign(m, 1.0);
-    kernels.trsv("N", m, u, m, x.data());
-  });
-
-  const double bound = 4 * order + 16;
+  const double order = m, bound = 4 * order + 16;
   Report report;
   report.problem = {{"matrix", text("correlation of %s over %zu lags, symmetric, of order %zu",
                                     series.y_name.c_str(), m, m)}};
@@ -173,9 +165,8 @@ Report level2(const Context& context) {
                     100 * mode.eigenvalue / (order * r[0]), mode.steps,
                     static_cast<double>(distance) / mode.eigenvalue)},
       {"prediction",
-       text("one step ahead leaves %.1f %% of the variance", 100 * error_variance / r[0])},
-      {"rate", text("%.1f GFLOP/s symmetric product, %.1f GFLOP/s triangular solve",
-                    product_rate / 1e9, solve_rate / 1e9)}};
+       text("one step ahead leaves %.1f %% of the variance", 100 * error_variance / r[0])}};
+  report.rates = rates(kernels, matrix, u, m);
   report.pictures.push_back(draw(series, mode, coefficients));
   return report;
 }

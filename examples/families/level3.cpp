@@ -7,18 +7,19 @@
 //   | L11          |   L11 = potrf(S11)
 //   | L21  S22'    |   L21 = S21 inverse(L11'),  S22' = S22 - L21 L21', and so on with S22'
 #include <algorithm>
-#include <chrono>
 #include <numeric>
 
+#include "families/errors.h"
 #include "families/kernels.h"
 #include "tour/family.h"
 #include "tour/series.h"
+#include "tour/svg.h"
 #include "tour/text.h"
+#include "tour/timing.h"
 
 namespace jex::tour {
 namespace {
 
-constexpr size_t longest_window = 128;
 constexpr jex_int block = 32;
 
 // Column j of X is the values from j on.
@@ -56,42 +57,49 @@ jex_int factor(const Kernels& kernels, Vector& s, jex_int m) {
 // of magnitudes, which sum adds to size; NaN stays NaN.
 template <class Sum>
 double error_of(const Vector& computed, size_t m, Sum sum) {
-  double worst = 0;
+  long double worst = 0;
   for (size_t j = 0; j < m; ++j)
     for (size_t i = j; i < m; ++i) {
       long double size = 0;
       const long double value = sum(i, j, size);
-      const double error =
-          static_cast<double>(fabsl(computed[i + j * m] - value) / (DBL_EPSILON * size));
-      if (!(error <= worst)) worst = error;
-      if (std::isnan(worst)) return worst;
+      keep_worst(worst, fabsl(computed[i + j * m] - value) / (DBL_EPSILON * size));
     }
-  return worst;
+  return static_cast<double>(worst);
 }
 
-double rate(const Kernels& kernels, const Vector& s, jex_int m) {
-  using Clock = std::chrono::steady_clock;
-  double seconds = 0;
-  int passes = 0;
-  for (const auto start = Clock::now(); seconds < 0.05; ++passes) {
-    Vector l = s;
+Rate rate(const Kernels& kernels, const Vector& s, jex_int m) {
+  Vector l;
+  const double factorizations = times_per_second([&] {
+    l = s;
     factor(kernels, l, m);
-    seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  }
-  return double(m) * m * m / 3 * passes / seconds;
+  });
+  return {text("Cholesky factorization of order %d", int(m)),
+          double(m) * m * m / 3 * factorizations / 1e9, "GFLOP/s"};
+}
+
+// The whole matrix of its lower triangle.
+Picture draw(const Series& series, Vector s, size_t m) {
+  for (size_t j = 0; j < m; ++j)
+    for (size_t i = 0; i < j; ++i) s[i + j * m] = s[j + i * m];
+  const svg::Range lags{0, m * series.step};
+  const std::string axis = "place in the window, in units of " + series.x_name;
+  return {"level3.svg",
+          svg::draw_field({"Covariance of " + series.y_name, axis, "place in the window",
+                           "covariance", lags, lags, int(m), int(m), std::move(s)})};
 }
 
 }  // namespace
 
 Report level3(const Context& context) {
   const Series series = read_series(context.file.empty() ? sunspots_file() : context.file);
-  const size_t m = std::min(longest_window, series.values.size() / 2);
+  const size_t m = std::min<size_t>(context.size, series.values.size() / 2);
   const size_t rows = series.values.size() - m + 1;
   const Kernels kernels{context.kernels};
   const Vector x = windows(series.values, rows, m), s = covariance(kernels, x, rows, m);
   Vector l = s;
   const jex_int minor = factor(kernels, l, m);
 
+  context.progress.tell("sums in long double");
   const double update_error = error_of(s, m, [&](size_t i, size_t j, long double& size) {
     long double sum = 0;
     for (size_t t = 0; t < rows; ++t) {
@@ -121,8 +129,9 @@ Report level3(const Context& context) {
   report.checks = {
       {"covariance", text("%zu columns", m), 1, update_error, 2.0 * rows + 16},
       {"L L'", text("minor %d", int(minor)), 1, minor ? std::nan("") : residual, 2.0 * m + 16}};
-  report.findings = {{"determinant", text("exp(%.6Lf)", log_determinant)},
-                     {"rate", text("%.1f GFLOP/s factorisation", rate(kernels, s, m) / 1e9)}};
+  report.findings = {{"determinant", text("exp(%.6Lf)", log_determinant)}};
+  report.rates = {rate(kernels, s, m)};
+  report.pictures = {draw(series, s, m)};
   return report;
 }
 

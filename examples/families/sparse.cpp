@@ -1,20 +1,25 @@
-// A sparse matrix: its structure as a picture, a product, and a system solved. A symmetric matrix
-// with a positive diagonal by conjugate gradients, preconditioned with its own triangle:
+// A sparse matrix: its structure as a picture, a product in four storage formats, and a system
+// solved. A symmetric matrix with a positive diagonal by conjugate gradients, preconditioned with
+// its own triangle:
 //
 //   M = L D^-1 L', L the lower triangle with its diagonal D      M^-1 r: two triangular solves
 //
 // Other square matrices with a whole diagonal: their lower triangle by substitution.
 #include <algorithm>
-#include <chrono>
-#include <map>
 #include <optional>
+#include <set>
 
+#include <jex/block_sparse.h>
+#include <jex/sparse_formats.h>
+
+#include "families/errors.h"
 #include "families/kernels.h"
 #include "tour/family.h"
 #include "tour/input.h"
 #include "tour/matrix_market.h"
 #include "tour/svg.h"
 #include "tour/text.h"
+#include "tour/timing.h"
 
 namespace jex::tour {
 namespace {
@@ -71,10 +76,8 @@ double distance(const SparseMatrix& a, bool lower, const Vector& x, const Vector
     sum[i] += term, size[i] += fabsl(term);
   });
   long double worst = 0;
-  for (jex_int i = 0; i < a.m; ++i) {
-    const long double error = size[i] > 0 ? fabsl(sum[i]) / size[i] : fabsl(sum[i]);
-    if (!(error <= worst)) worst = error;
-  }
+  for (jex_int i = 0; i < a.m; ++i)
+    keep_worst(worst, size[i] > 0 ? fabsl(sum[i]) / size[i] : fabsl(sum[i]));
   return static_cast<double>(worst / DBL_EPSILON);
 }
 
@@ -122,60 +125,81 @@ Solution conjugate_gradients(const Kernels& kernels, const Operator& op, const V
   return s;
 }
 
-// A x from the same matrix as a list of entries.
-Vector list_product(const Operator& op, const Vector& x) {
-  const SparseMatrix& a = op.a;
-  const jex_int one = 1, count = a.values.size();
-  const double unit = 1;
-  std::vector<jex_int> rows;
-  for (jex_int i = 0; i < a.m; ++i) rows.resize(a.rows[i + 1] - 1, i + 1);
-  Vector y(a.m, 0.0);
-  of_kind(a, op.module.jex_spblas_dcoo1ng__f__mvout_par, op.module.jex_spblas_dcoo1nslnf__mvout_par,
-          op.module.jex_spblas_dcoo1nal_f__mvout_par)(&one, &count, &a.m, &a.n, &unit,
-                                                      a.values.data(), rows.data(),
-                                                      a.columns.data(), &count, x.data(), y.data());
-  return y;
+// All elements of a matrix as a list of entries, counted from 0: the mirror images of a triangle
+// among them.
+struct Entries {
+  std::vector<jex_int> rows, columns;
+  Vector values;
+
+  explicit Entries(const SparseMatrix& a) {
+    for_entries(a, false, [&](jex_int i, jex_int j, double value) {
+      rows.push_back(i), columns.push_back(j), values.push_back(value);
+    });
+  }
+  size_t diagonals() const {
+    std::set<jex_int> distances;
+    for (size_t k = 0; k < rows.size(); ++k) distances.insert(columns[k] - rows[k]);
+    return distances.size();
+  }
+};
+
+// A x of a matrix in one of three formats, through the checked front.
+jex_int product(const jex_sparse_matrix& a, const Vector& x, Vector& y) {
+  const double unit = 1, zero = 0;
+  const jex_sparse_descriptor general = {'G', 'L', 'N', a.base, 0};
+  switch (a.format) {
+    case 'D': {
+      const jex_dia diagonals = {a.m, a.n, a.values, a.ld, a.indices, a.count};
+      return jex_ddiamv('N', &unit, &diagonals, &general, x.data(), &zero, y.data());
+    }
+    case 'B': {
+      const jex_int side = a.block;
+      const jex_bsr blocks = {
+          (a.m + side - 1) / side, (a.n + side - 1) / side, side, a.values, a.indices, a.pointers,
+          a.pointers + 1};
+      return jex_dbsrmv('N', &unit, &blocks, &general, x.data(), &zero, y.data());
+    }
+    default: {
+      const jex_coo list = {a.m, a.n, a.values, a.indices, a.pointers, a.count};
+      return jex_dcoomv('N', &unit, &list, &general, x.data(), &zero, y.data());
+    }
+  }
 }
 
-// A x from the same matrix by its diagonals, if there are not too many.
-struct DiagonalProduct {
-  size_t diagonals;
+// A x with the matrix converted to a list ('O'), diagonals ('D') or blocks ('B').
+struct Converted {
+  jex_int parts;  // entries, diagonals or blocks
   Vector y;
 };
-std::optional<DiagonalProduct> diagonal_product(const Operator& op, const Vector& x) {
-  const SparseMatrix& a = op.a;
-  std::map<jex_int, Vector> stored;
-  for (jex_int i = 0; i < a.m; ++i)
-    for (jex_int k = a.rows[i] - 1; k < a.rows[i + 1] - 1; ++k) {
-      Vector& diagonal = stored[a.columns[k] - 1 - i];
-      if (stored.size() > 100) return {};
-      diagonal.resize(a.m, 0.0);
-      diagonal[i] += a.values[k];
-    }
-  Vector values;
-  std::vector<jex_int> distances;
-  for (const auto& [distance, diagonal] : stored) {
-    distances.push_back(distance);
-    values.insert(values.end(), diagonal.begin(), diagonal.end());
-  }
-  const jex_int count = distances.size();
-  const double unit = 1;
-  Vector y(a.m, 0.0);
-  of_kind(a, op.module.jex_spblas_ddia1ng__f__mvout_par, op.module.jex_spblas_ddia1nslnf__mvout_par,
-          op.module.jex_spblas_ddia1nal_f__mvout_par)(nullptr, nullptr, &a.m, &a.n, &unit,
-                                                      values.data(), &a.m, distances.data(), &count,
-                                                      x.data(), y.data());
-  return DiagonalProduct{stored.size(), y};
+Converted product_in(char format, const SparseMatrix& a, Entries& entries, Vector x) {
+  constexpr jex_int side = 2;
+  const auto check = [](jex_int status) {
+    if (status != JEX_SPARSE_OK) throw std::runtime_error(jex_sparse_message(status));
+  };
+  const jex_sparse_matrix list = {'O',
+                                  0,
+                                  a.m,
+                                  a.n,
+                                  0,
+                                  0,
+                                  jex_int(entries.values.size()),
+                                  entries.values.data(),
+                                  entries.rows.data(),
+                                  entries.columns.data()};
+  jex_sparse_matrix made;
+  check(jex_dsparse_convert(&list, format, format == 'D', side, &made));
+  Converted result{made.count, Vector(a.m + side)};  // the last block may reach beyond the matrix
+  x.resize(a.n + side);
+  const jex_int status = product(made, x, result.y);
+  jex_sparse_release(&made);
+  check(status);
+  return result;
 }
 
-double product_rate(const Operator& op, const Vector& x, Vector& y) {
-  using Clock = std::chrono::steady_clock;
-  const auto start = Clock::now();
-  double seconds = 0, flops = 0, entries = 0;
-  for_entries(op.a, false, [&](jex_int, jex_int, double) { ++entries; });
-  for (; seconds < 0.05; seconds = std::chrono::duration<double>(Clock::now() - start).count())
-    for (int i = 0; i < 16; ++i, flops += 2 * entries) op.add_product(x, y);
-  return flops / seconds;
+Rate rate(const Operator& op, const Entries& entries, const Vector& x, Vector& y) {
+  const double products = times_per_second([&] { op.add_product(x, y); });
+  return {text("product of %d rows in CSR", op.a.m), 2.0 * entries.values.size() * products / 1e9,
+          "GFLOP/s"};
 }
 
 }  // namespace
@@ -190,18 +214,24 @@ Report sparse(const Context& context) {
   op.add_product(x, y);
 
   Report report;
-  report.problem = {{"file", a.file},
+  report.problem = {{"file", file_name(a.file)},
                     {"matrix", text("%d x %d, %zu stored entries%s", a.m, a.n, a.values.size(),
                                     a.symmetry == Symmetry::symmetric ? ", symmetric"
                                     : a.symmetry == Symmetry::skew    ? ", skew-symmetric"
                                                                       : "")}};
   const double bound = 64 + 4.0 * a.values.size() / a.m;
   report.checks.push_back({"A times x", text("%d rows", a.m), 1, distance(a, false, x, y), bound});
-  report.checks.push_back({"the same, as a list", text("%zu entries", a.values.size()), 1,
-                           distance(a, false, x, list_product(op, x)), bound});
-  if (const auto product = diagonal_product(op, x))
-    report.checks.push_back({"and by diagonals", text("%zu of them", product->diagonals), 1,
-                             distance(a, false, x, product->y), bound});
+  Entries entries(a);
+  constexpr size_t most_diagonals = 100;
+  const auto check_format = [&](char format, const char* name, const char* parts) {
+    const Converted product = product_in(format, a, entries, x);
+    report.checks.push_back(
+        {name, text("%d %s", product.parts, parts), 1, distance(a, false, x, product.y), bound});
+  };
+  check_format('O', "the same, as a list", "entries");
+  if (entries.diagonals() <= most_diagonals)
+    check_format('D', "the same, by diagonals", "diagonals");
+  check_format('B', "the same, in blocks", "blocks of 2 x 2");
   const std::optional<Vector> diagonal = diagonal_of(a);
   const Vector load(a.m, 1.0);
   const bool definite =
@@ -216,21 +246,20 @@ Report sparse(const Context& context) {
     report.findings.push_back({"solve", "none: the diagonal is not whole"});
   }
   if (definite) {
+    context.progress.tell("conjugate gradients");
     const Solution s = conjugate_gradients(kernels, op, *diagonal, load);
     report.checks.push_back({"A x - b", text("%zu steps", s.residuals.size() - 1), 1,
                              distance(a, false, s.x, load), 100});
     report.findings.push_back({"largest", text("%.6g", *std::max_element(s.x.begin(), s.x.end()))});
-    svg::Panel panel{"Conjugate gradients", "step", "log10 of |r| / |b|", {}, {}, {}};
-    panel.curves.push_back({"residual", 0, 1, s.residuals});
+    svg::Panel panel{"Conjugate gradients", "step", "log10 of |r| / |b|"};
+    panel.curves = {{"residual", 0, 1, s.residuals}};
     if (s.residuals.size() > 1)
       report.pictures.push_back({"residual.svg", svg::draw("Residual", {panel})});
   }
-  report.findings.push_back({"rate", text("%.2f GFLOP/s product", product_rate(op, x, y) / 1e9)});
-  std::vector<int> rows, columns;
-  for_entries(a, false,
-              [&](jex_int i, jex_int j, double) { rows.push_back(i), columns.push_back(j); });
+  report.rates = {rate(op, entries, x, y)};
   report.pictures.push_back(
-      {"structure.svg", svg::draw_structure("Structure of the matrix", a.m, a.n, rows, columns)});
+      {"structure.svg",
+       svg::draw_structure("Structure of the matrix", a.m, a.n, entries.rows, entries.columns)});
   return report;
 }
 

@@ -1,4 +1,4 @@
-// What a kernel family gives to the tour: a problem, its checks, its rate and its pictures.
+// What a kernel family gives to the tour: a problem, its checks, its rates and its pictures.
 #pragma once
 
 #include <cfloat>
@@ -9,13 +9,16 @@
 
 #include <jex/core.h>
 
+#include "tour/progress.h"
+
 namespace jex::tour {
 
-// One computed quantity held against a reference. The error is told in units of
-// DBL_EPSILON * condition * |reference|, and so is its bound.
+// One computed quantity held against a reference. An error in "eps" is told in units of
+// DBL_EPSILON * condition * |reference|, and so is its bound; other units are spelled out.
 struct Check {
   std::string quantity, value;
   double condition, error, bound;
+  std::string unit = "eps";
 
   bool holds() const { return error <= bound; }  // false for a NaN
 };
@@ -29,8 +32,19 @@ inline Check compare(std::string quantity, std::string shown, double value, long
           bound};
 }
 
+// A check that so many of the units, bits say, are as they must be, without exception.
+inline Check exactly(std::string quantity, std::string shown, size_t wrong, std::string unit) {
+  return {std::move(quantity), std::move(shown), 1, double(wrong), 0, std::move(unit)};
+}
+
 struct Fact {
   std::string name, text;
+};
+
+struct Rate {
+  std::string what;
+  double value;
+  std::string unit;
 };
 
 struct Picture {
@@ -40,27 +54,47 @@ struct Picture {
 struct Report {
   std::vector<Fact> problem;  // what was computed from what
   std::vector<Check> checks;
-  std::vector<Fact> findings;  // what came out, rates included
+  std::vector<Fact> findings;  // what came out
+  std::vector<Rate> rates;
   std::vector<Picture> pictures;
 };
 
 struct Context {
   const Module& kernels;
   std::string file;  // the user's file; empty: the family takes its own data
+  jex_int size;      // within the bounds of the family's Size
+  Progress& progress;
 };
 
-enum class Input {
-  series,
-  matrix
-};  // a CSV file, or a Matrix Market file, whose name ends in .mtx
+// Files that a family reads: CSV, or Matrix Market, whose names end in .mtx.
+enum class Input { none, series, matrix };
+
+// What --size means to a family; no meaning: it has no size.
+struct Size {
+  const char* meaning = nullptr;
+  jex_int usual = 0, least = 0, most = 0;
+};
 
 // run throws InputError (see input.h) for data that it cannot use.
 struct Family {
   const char *name, *title;
   Report (*run)(const Context&);
-  Input input = Input::series;
+  Input input = Input::none;
+  Size size = {};
 };
 
 std::span<const Family> families();
+
+struct Result {
+  const Family& family;
+  Report report;
+  double seconds;
+
+  size_t held() const {
+    size_t count = 0;
+    for (const Check& check : report.checks) count += check.holds();
+    return count;
+  }
+};
 
 }  // namespace jex::tour

@@ -135,6 +135,12 @@ Series read_series(const std::string& path) {
   return {path, rows.x_name, rows.y_name, rows.x[0], step, std::move(rows.y)};
 }
 
+svg::Panel plot_of(const Series& series) {
+  svg::Panel panel{series.y_name, series.x_name, series.y_name};
+  panel.curves = {{"series", series.first, series.step, series.values}};
+  return panel;
+}
+
 std::string sunspots_file() { return data_file("sunspots.csv"); }
 
 }  // namespace jex::tour

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tour/input.h"
+#include "tour/svg.h"
 
 namespace jex::tour {
 
@@ -22,6 +23,9 @@ inline constexpr size_t fewest_values = 8, most_values = 32768;  // the work gro
 // blanks, blank lines, CRLF, a byte-order mark. Each step must be within 2 % of the median step, so
 // that rounded abscissae pass and a missing row does not. Throws InputError.
 Series read_series(const std::string& path);
+
+// The series as a panel of a picture.
+svg::Panel plot_of(const Series& series);
 
 // The yearly sunspot numbers: beside the installed program, else in the source tree.
 std::string sunspots_file();

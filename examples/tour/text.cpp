@@ -49,4 +49,21 @@ std::string printable(std::string_view raw, size_t longest) {
   return result;
 }
 
+std::string escaped(std::string_view raw) {
+  std::string result;
+  for (const char c : raw) {
+    if (c == '&')
+      result += "&amp;";
+    else if (c == '<')
+      result += "&lt;";
+    else if (c == '>')
+      result += "&gt;";
+    else if (c == '"')
+      result += "&quot;";
+    else
+      result += c;
+  }
+  return result;
+}
+
 }  // namespace jex::tour

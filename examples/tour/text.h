@@ -14,4 +14,10 @@ namespace jex::tour {
 // become '?', and what exceeds `longest` bytes is cut.
 std::string printable(std::string_view raw, size_t longest = 40);
 
+// The name of a file, fit for one line.
+inline std::string file_name(std::string_view raw) { return printable(raw, 4096); }
+
+// As content or attribute of XML.
+std::string escaped(std::string_view raw);
+
 }  // namespace jex::tour

@@ -1,5 +1,6 @@
-// A small check that a document is well-formed XML, for the subset that plots use: a declaration,
-// elements, attributes and text, without comments, CDATA or a document type.
+// A small check that a document is well-formed XML, for the subset that plots and pages use: a
+// declaration or the document type of HTML, elements, attributes and text, without comments or
+// CDATA.
 #pragma once
 
 #include <algorithm>
@@ -10,11 +11,11 @@
 namespace jex::test {
 
 inline bool well_formed(const std::string& document) {
-  static const std::regex tag(R"(<(/?)([A-Za-z][\w.-]*)((\s+[\w:-]+="[^"<]*")*)\s*(/?)>)");
+  static const std::regex tag(R"(<(/?)([A-Za-z][\w.-]*)((\s+[\w:-]+="")*)\s*(/?)>)");
   static const std::regex reference("&(?!(amp|lt|gt|quot|apos);)");
-  size_t at = document.starts_with("<?xml ") ? document.find("?>") : 0;
-  if (at == document.npos || std::regex_search(document, reference)) return false;
-  if (at) at += 2;
+  const bool declared = document.starts_with("<?xml ") || document.starts_with("<!DOCTYPE html>");
+  size_t at = declared ? document.find('>') + 1 : 0;
+  if ((declared && at == 0) || std::regex_search(document, reference)) return false;
   std::vector<std::string> open;
   bool root_seen = false;
   while (at < document.size()) {
@@ -24,14 +25,15 @@ inline bool well_formed(const std::string& document) {
       at = std::min(document.find('<', at), document.size());
       continue;
     }
-    // Long attributes overflow the stack of a recursive matcher: only the tag's frame is matched.
     const size_t end = document.find('>', at);
     if (end == document.npos) return false;
-    std::string element = document.substr(at, end + 1 - at);
-    if (const size_t points = element.find("points=\""); points != element.npos) {
-      const size_t close = element.find('"', points + 8);
-      if (close == element.npos) return false;
-      element.erase(points + 8, close - points - 8);
+    // Long attributes overflow the stack of a recursive matcher: their values are left out.
+    std::string element;
+    bool in_value = false;
+    for (size_t i = at; i <= end; ++i) {
+      if (document[i] == '"') in_value = !in_value;
+      if (in_value && document[i] == '<') return false;
+      if (!in_value || document[i] == '"') element += document[i];
     }
     std::smatch match;
     if (!std::regex_match(element, match, tag)) return false;
