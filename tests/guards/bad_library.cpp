@@ -33,6 +33,14 @@ asm(".text\n"
     "  movl $imports, %eax\n"
     "  ret\n");
 
+// An export that does nothing at all.
+asm(".text\n"
+    ".globl jex_silent\n"
+    ".type jex_silent, @function\n"
+    "jex_silent:\n"
+    "  ret\n"
+    ".size jex_silent, . - jex_silent\n");
+
 // One instruction of each newer set.
 asm(".text\n"
     "newer:\n"

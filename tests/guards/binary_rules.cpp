@@ -110,6 +110,24 @@ Breaches not_one_address(const std::string& library, const std::vector<std::stri
   return breaches;
 }
 
+Breaches exports_without_code(const std::string& library) {
+  const auto symbols = exports_of(library);
+  Breaches breaches;
+  std::string name;
+  const std::regex label("[0-9a-f]+ <(.*)>:"), returns("\\s*[0-9a-f]+:\\s*ret\\s*");
+  for_lines_of("objdump -d --no-show-raw-insn" + quoted(library), [&](const std::string& line) {
+    std::smatch match;
+    if (std::regex_match(line, match, label)) {
+      name = match[1];
+      return;
+    }
+    if (!name.empty() && symbols.count(name) && std::regex_match(line, returns))
+      breaches.push_back(name);
+    name.clear();
+  });
+  return breaches;
+}
+
 Breaches unsafe_segments(const std::string& library) {
   Breaches breaches;
   bool stack = false;

@@ -21,6 +21,9 @@ Breaches needed_libraries(const std::string& library);
 // The names all stand for one address.
 Breaches not_one_address(const std::string& library, const std::vector<std::string>& names);
 
+// Exports whose code returns at once; a name for each address.
+Breaches exports_without_code(const std::string& library);
+
 // No segment both writable and executable, the stack among them, and no relocation of code.
 Breaches unsafe_segments(const std::string& library);
 

@@ -44,6 +44,11 @@ TEST(Module, ThirtyEmptyEntriesAreOneRoutine) {
   EXPECT_EQ(empty_entries.size(), 30u);
   EXPECT_THAT(not_one_address(module, empty_entries), IsEmpty());
 }
+TEST(Module, NothingElseIsEmpty) {
+  const Breaches empty = exports_without_code(module);
+  ASSERT_EQ(empty.size(), 1u);
+  EXPECT_THAT(empty_entries, testing::Contains(empty[0]));
+}
 
 TEST(BadLibrary, Exports) {
   const Breaches breaches = exports_differ(bad, listed);
@@ -71,6 +76,10 @@ TEST(BadLibrary, NeededLibraries) {
 TEST(BadLibrary, EmptyEntries) {
   EXPECT_THAT(not_one_address(bad, {"jex_blas_dgemm_blk_info", "jex_blas_dgemm_mscale", "absent"}),
               ElementsAre("at another address: jex_blas_dgemm_mscale", "not exported: absent"));
+}
+
+TEST(BadLibrary, ExportsWithoutCode) {
+  EXPECT_THAT(exports_without_code(bad), ElementsAre("jex_silent"));
 }
 
 TEST(BadLibrary, Segments) {

@@ -218,13 +218,22 @@ TEST(HelmholtzMessages, PrintersAndFree) {
     EXPECT_EQ(p.ipar[0], -1000);
     EXPECT_EQ(GetCapturedStdout(), text(490) + text(397) + text(warnings ? 542 : 512, "-1000"));
   }
+  // A message and an unknown code, by all four entries.
   const jex_int code = 4, unknown = 999;
-  CaptureStdout();
-  jex_pdepl_d_pl_print_diagnostics_f(&code, p.ipar, std::vector<double>(5).data(), "");
+  std::vector<double> wide(5);
+  const auto print = [&](const jex_int& code, const auto& by_d, const auto& by_s) {
+    CaptureStdout();
+    by_d(&code, p.ipar, wide.data(), "");
+    by_s(&code, p.ipar, p.dpar.data(), "");
+    return GetCapturedStdout();
+  };
+  std::string told = text(490) + text(397) + text(506, "0") + text(507);
+  EXPECT_EQ(print(code, jex_pdepl_d_pl_print_diagnostics_f, jex_pdepl_s_pl_print_diagnostics_f),
+            told + told);
   p.ipar[2] = 1;
-  jex_pdepl_s_pl_print_diagnostics_c(&unknown, p.ipar, p.dpar.data(), "");
-  EXPECT_EQ(GetCapturedStdout(),
-            text(490) + text(397) + text(506, "0") + text(507) + text(490) + text(398) + text(407));
+  told = text(490) + text(398) + text(407);
+  EXPECT_EQ(print(unknown, jex_pdepl_d_pl_print_diagnostics_c, jex_pdepl_s_pl_print_diagnostics_c),
+            told + told);
 }
 
 }  // namespace
