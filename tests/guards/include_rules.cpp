@@ -24,6 +24,7 @@ const std::map<std::string, std::set<std::string>> families = {
     {"spblas/util", {"spblas", "spblas/csr", "blas/level1"}},
     {"spblas/coo", {"spblas", "blas/level1"}},
     {"spblas/dia", {"spblas", "blas/level1"}},
+    {"spblas/lists", {"spblas/csr", "spblas/bsr", "spblas/util", "spblas/coo", "spblas/dia"}},
     {"dft/engine", {}},
     {"dft/real", {"dft/engine"}},
     {"dft/multi", {"dft/engine", "dft/real"}},
