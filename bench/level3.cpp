@@ -112,7 +112,8 @@ class ProductProblem : public Problem {
   void fill() override {
     Random random;
     random.fill(static_cast<R*>(v_.a), count_, R(1) / v_.n);
-    set_diagonal(static_cast<R*>(v_.a), v_.n, reals(routine_.type));
+    for (jex_int i = 0; i < v_.n; ++i)
+      set_diagonal(static_cast<R*>(v_.a), size_t(i) * v_.n + i, i, reals(routine_.type));
     random.fill(static_cast<R*>(v_.b), count_, R(1));
     random.fill(static_cast<R*>(v_.c), count_, R(1));
     std::memcpy(v_.start, v_.b, v_.bytes);
@@ -146,7 +147,7 @@ Work work(const Routine& r, double n) {
 
 void add_level3(std::vector<Case>& cases) {
   for (const Routine& routine : routines) {
-    for (const jex_int n : {4, 8, 16, 33, 64, 100, 200, 500, 1000, 2000}) {
+    for (const jex_int n : {4, 8, 16, 33, 50, 64, 100, 200, 500, 1000, 2000}) {
       auto make = [&routine, n]() -> std::unique_ptr<Problem> {
         if (is_double(routine.type)) return std::make_unique<ProductProblem<double>>(routine, n);
         return std::make_unique<ProductProblem<float>>(routine, n);

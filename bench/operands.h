@@ -66,14 +66,13 @@ class Random {
   uint32_t state_ = 1;
 };
 
-/// A diagonal near 1, real where the elements are complex.
+/// The element at `place` becomes the i-th of a diagonal near 1, real where the elements are
+/// complex.
 template <class R>
-void set_diagonal(R* a, int n, int width) {
-  for (int i = 0; i < n; ++i) {
-    R* const diagonal = a + (size_t(i) * n + i) * width;
-    std::fill(diagonal, diagonal + width, R(0));
-    diagonal[0] = R(1) + R(i % 7) / 8;
-  }
+void set_diagonal(R* a, size_t place, int i, int width) {
+  R* const diagonal = a + place * width;
+  std::fill(diagonal, diagonal + width, R(0));
+  diagonal[0] = R(1) + R(i % 7) / 8;
 }
 
 /// Largest difference of two outcomes; infinite where one is NaN.

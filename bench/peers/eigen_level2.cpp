@@ -33,6 +33,16 @@ void rank_one(Int m, Int n, T alpha, const T* x, const T* y, T* a, Int lda) {
   }
 }
 
+/// Calls run with the symmetric or Hermitian matrix of which uplo names the stored triangle.
+template <class T, class Run>
+void with_symmetric(const char* uplo, T* a, Int n, Int lda, Run run) {
+  Matrix<T> matrix(a, n, n, Eigen::OuterStride<>(lda));
+  if (is(uplo, 'U'))
+    run(matrix.template selfadjointView<Eigen::Upper>());
+  else
+    run(matrix.template selfadjointView<Eigen::Lower>());
+}
+
 /// Calls run with the triangle of the matrix that uplo and diag select, transposed as trans says.
 template <class T, class Run>
 void with_triangle(const char* uplo, const char* trans, const char* diag, const T* a, Int n,
@@ -61,7 +71,7 @@ void with_triangle(const char* uplo, const char* trans, const char* diag, const 
 
 }  // namespace
 
-#define ANY_TYPE(t, T, symv, geru)                                                                 \
+#define ANY_TYPE(t, T, symv, geru, syr, syr2)                                                      \
   EXPORT void t##gemv_(const char* trans, const Int* m, const Int* n, const T* alpha, const T* a,  \
                        const Int* lda, const T* x, const Int*, const T* beta, T* y, const Int*) {  \
     gemv(trans, *m, *n, *alpha, a, *lda, x, *beta, y);                                             \
@@ -87,12 +97,23 @@ void with_triangle(const char* uplo, const char* trans, const char* diag, const 
     with_triangle(uplo, trans, diag, a, *n, *lda,                                                  \
                   [&](const auto& view) { view.solveInPlace(vx); });                               \
   }                                                                                                \
+  EXPORT void syr(const char* uplo, const Int* n, const Eigen::NumTraits<T>::Real* alpha,          \
+                  const T* x, const Int*, T* a, const Int* lda) {                                  \
+    with_symmetric(uplo, a, *n, *lda,                                                              \
+                   [&](auto view) { view.rankUpdate(ConstVector<T>(x, *n), *alpha); });            \
+  }                                                                                                \
+  EXPORT void syr2(const char* uplo, const Int* n, const T* alpha, const T* x, const Int*,         \
+                   const T* y, const Int*, T* a, const Int* lda) {                                 \
+    with_symmetric(uplo, a, *n, *lda, [&](auto view) {                                             \
+      view.rankUpdate(ConstVector<T>(x, *n), ConstVector<T>(y, *n), *alpha);                       \
+    });                                                                                            \
+  }                                                                                                \
   EXPORT void t##trmv_(const char* uplo, const char* trans, const char* diag, const Int* n,        \
                        const T* a, const Int* lda, T* x, const Int*) {                             \
     Vector<T> vx(x, *n);                                                                           \
     with_triangle(uplo, trans, diag, a, *n, *lda, [&](const auto& view) { vx = view * vx; });      \
   }
-ANY_TYPE(s, float, ssymv_, sger_)
-ANY_TYPE(d, double, dsymv_, dger_)
-ANY_TYPE(c, scomplex, chemv_, cgeru_)
-ANY_TYPE(z, dcomplex, zhemv_, zgeru_)
+ANY_TYPE(s, float, ssymv_, sger_, ssyr_, ssyr2_)
+ANY_TYPE(d, double, dsymv_, dger_, dsyr_, dsyr2_)
+ANY_TYPE(c, scomplex, chemv_, cgeru_, cher_, cher2_)
+ANY_TYPE(z, dcomplex, zhemv_, zgeru_, zher_, zher2_)

@@ -313,6 +313,29 @@ template <class T>
   asm("addpd %1, %0" : "+x"(sum.v) : "x"(term.v));
 }
 
+// The first elements of a register, `count` of them and not all: those that are not loaded are
+// zero, and those that are not stored stay as they are in memory.
+template <class T>
+[[gnu::always_inline]] inline Lanes<T> gather_some(const T* p, int inc, int count) {
+  if constexpr (std::is_same_v<T, float>)
+    if (count > 1) {
+      const auto two = Lanes<T>::gather_two(p, inc);
+      return count == 2 ? two : Lanes<T>{_mm_movelh_ps(two.v, _mm_load_ss(p + 2 * inc))};
+    }
+  return Lanes<T>::load_first(p);
+}
+template <class T>
+[[gnu::always_inline]] inline void store_some(Lanes<T> a, T* p, int count) {
+  if constexpr (std::is_same_v<T, float>)
+    if (count > 1) {
+      _mm_storel_pi((__m64*)p, a.v);
+      if (count == 2) return;
+      p += 2;
+      a.v = _mm_movehl_ps(a.v, a.v);
+    }
+  a.store_first(p);
+}
+
 // Asks for the cache line of an address, which need not be readable.
 [[gnu::always_inline]] inline void prefetch(const void* p) {
   _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0);
@@ -349,6 +372,34 @@ requires std::is_scalar_v<T>
   asm("mulpd %2, %1\n\taddpd %1, %0"
       : "+x"(sum.v), "+x"(factor.v)
       : "m"(*reinterpret_cast<const __m128d*>(a)));
+}
+
+// A load from any address that stays where it stands.
+[[gnu::always_inline]] inline Lanes<float> loaded(const float* a) {
+  Lanes<float> lane;
+  asm("movups %1, %0" : "=x"(lane.v) : "m"(*reinterpret_cast<const float(*)[4]>(a)));
+  return lane;
+}
+[[gnu::always_inline]] inline Lanes<double> loaded(const double* a) {
+  Lanes<double> lane;
+  asm("movupd %1, %0" : "=x"(lane.v) : "m"(*reinterpret_cast<const double(*)[2]>(a)));
+  return lane;
+}
+
+// sum += b[0] * lane, the number in every element of a register.
+[[gnu::always_inline]] inline void accumulate_repeated(Lanes<float>& sum, Lanes<float> lane,
+                                                       const float* b) {
+  __m128 repeated;
+  asm("movss %2, %1\n\tshufps $0, %1, %1\n\tmulps %3, %1\n\taddps %1, %0"
+      : "+x"(sum.v), "=&x"(repeated)
+      : "m"(*b), "x"(lane.v));
+}
+[[gnu::always_inline]] inline void accumulate_repeated(Lanes<double>& sum, Lanes<double> lane,
+                                                       const double* b) {
+  __m128d repeated;
+  asm("movddup %2, %1\n\tmulpd %3, %1\n\taddpd %1, %0"
+      : "+x"(sum.v), "=&x"(repeated)
+      : "m"(*b), "x"(lane.v));
 }
 
 template <class T>

@@ -52,13 +52,15 @@ inline WorkBuffer<R> staging_buffer(int steps) {
 template <class Scheme>
 [[gnu::noinline]] void multiply_packed(const Scheme& scheme, int m, int n, int k,
                                        Operand<typename Scheme::A> a, Operand<typename Scheme::C> b,
-                                       typename Scheme::C* c, int ldc) {
+                                       typename Scheme::C* c, int ldc, Wanted wanted) {
   using R = typename Scheme::R;
   constexpr bool packs_b = std::is_same_v<typename Scheme::C, double>;
   const int kb = steps_in_block<R>();
   const int mb = rows_in_block<R>(kb) / Lanes<R>::count * Scheme::lane_rows;
   const int nb = packs_b ? std::min(n, packed_columns) : n;
-  constexpr int group = staged_columns<R> / Scheme::parts;
+  // Fewer columns together follow the edge of a triangle closer.
+  const int group =
+      (wanted == Wanted::all ? staged_columns<R> : std::min(8, staged_columns<R>)) / Scheme::parts;
   WorkBuffer<R> buffer;
   if constexpr (packs_b)
     buffer = double_buffer(nb);
@@ -73,9 +75,15 @@ template <class Scheme>
       auto source = b.from(p, j + g);
       if constexpr (packs_b)
         if (m > mb) source = packed_group(buffer.b, steps, g);
+      const WantedRows own(wanted, m, j + g, width);
+      constexpr int height = Scheme::lane_rows;
+      const int skipped = std::max(own.from - i, 0) / height,
+                to = std::min((own.to - i + height - 1) / height * height, rows);
+      if (to <= skipped * height) continue;
       stage_b<plane>(scheme, source, steps, width, buffer.staged);
-      add_block<plane, now>(scheme, buffer.a, rows, buffer.staged, width * Scheme::parts,
-                            padded(steps), c + i + ptrdiff_t(j + g) * ldc, ldc);
+      add_block<plane, now>(scheme, buffer.a + skipped * lane_stride<R>(steps),
+                            to - skipped * height, buffer.staged, width * Scheme::parts,
+                            padded(steps), c + i + skipped * height + ptrdiff_t(j + g) * ldc, ldc);
     }
   };
   const auto steps_block = [&](auto now, int j, int columns, int p, int steps) {
@@ -97,7 +105,7 @@ template <class Scheme>
 
 // True if nothing is left to do but what it did: m or n without elements, or alpha 0.
 template <class T>
-inline bool is_done_without_product(int m, int n, T alpha, T beta, T* c, int ldc) {
+inline bool is_done_without_product(int m, int n, const T& alpha, const T& beta, T* c, int ldc) {
   if (m <= 0 || n <= 0) return true;
   if (!is_zero(alpha)) return false;
   scale_matrix(m, n, beta, c, ldc);
@@ -106,17 +114,19 @@ inline bool is_done_without_product(int m, int n, T alpha, T beta, T* c, int ldc
 
 // Real matrices. The last n mod 4 columns are matrix-vector products.
 template <class T>
-[[gnu::noinline]] void gemm(Op transa, Op transb, int m, int n, int k, T alpha, const T* a, int lda,
-                            const T* b, int ldb, T beta, T* c, int ldc) {
+[[gnu::noinline]] void gemm(Op transa, Op transb, int m, int n, int k, const T& alpha, const T* a,
+                            int lda, const T* b, int ldb, const T& beta, T* c, int ldc,
+                            Wanted wanted = Wanted::all) {
   if (is_done_without_product(m, n, alpha, beta, c, ldc)) return;
   const Operand<T> op_a{a, lda, transa}, op_b{b, ldb, transb};
-  if (is_small(m, n, k)) return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, n);
+  if (is_small(m, n, k))
+    return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc, wanted}, n);
   const int grouped = n / 4 * 4;
   const auto run = [&](auto first) {
-    multiply_packed(RealScheme<T, first>{alpha, beta}, m, grouped, k, op_a, op_b, c, ldc);
+    multiply_packed(RealScheme<T, first>{alpha, beta}, m, grouped, k, op_a, op_b, c, ldc, wanted);
   };
   if (is_light<T>(m, n, k))
-    multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, grouped);
+    multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc, wanted}, grouped);
   else if (is_one(beta))
     run(std::integral_constant<First, First::accumulate>());
   else if (is_zero(beta))
@@ -124,24 +134,27 @@ template <class T>
   else
     run(std::integral_constant<First, First::general>());
   const bool plain = op_a.by_columns();
-  for (int j = grouped; j < n; ++j)
-    gemv(transa, plain ? m : k, plain ? k : m, alpha, a, lda, op_b.from(0, j).x,
-         int(op_b.row_distance()), beta, c + ptrdiff_t(j) * ldc, 1);
+  for (int j = grouped; j < n; ++j) {
+    const WantedRows own(wanted, m, j, 1);
+    const int rows = own.to - own.from;
+    gemv(transa, plain ? rows : k, plain ? k : rows, alpha, op_a.from(own.from, 0).x, lda,
+         op_b.from(0, j).x, int(op_b.row_distance()), beta, c + own.from + ptrdiff_t(j) * ldc, 1);
+  }
 }
 
 // Complex matrices, by a scheme of complex elements.
 template <template <class> class Scheme, class T>
-[[gnu::noinline]] void complex_gemm(Op transa, Op transb, int m, int n, int k, T alpha,
+[[gnu::noinline]] void complex_gemm(Op transa, Op transb, int m, int n, int k, const T& alpha,
                                     const typename Scheme<T>::A* a, int lda, const T* b, int ldb,
-                                    T beta, T* c, int ldc) {
+                                    const T& beta, T* c, int ldc, Wanted wanted = Wanted::all) {
   if (is_done_without_product(m, n, alpha, beta, c, ldc)) return;
   const Operand<typename Scheme<T>::A> op_a{a, lda, transa};
   const Operand<T> op_b{b, ldb, transb};
   if constexpr (std::is_same_v<typename Scheme<T>::A, T>)
     if (is_small(m, n, k) || is_light<T>(m, n, k))
-      return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc}, n);
+      return multiply_small(Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc, wanted}, n);
   scale_matrix(m, n, beta, c, ldc);
-  if (k > 0) multiply_packed(Scheme<T>{alpha}, m, n, k, op_a, op_b, c, ldc);
+  if (k > 0) multiply_packed(Scheme<T>{alpha}, m, n, k, op_a, op_b, c, ldc, wanted);
 }
 
 }  // namespace jex::blas

@@ -4,9 +4,21 @@
 #include "blas/level2/storage.h"
 #include "simd/lanes.h"
 
+#include <algorithm>
 #include <stddef.h>
 
 namespace jex::blas {
+
+// The elements of a square C that its caller wants. The others may be computed or left as they are.
+enum class Wanted { all, upper, lower };
+
+// Rows from .. to - 1 of C that hold wanted elements of columns j .. j + columns - 1.
+struct WantedRows {
+  int from, to;
+  WantedRows(Wanted wanted, int rows, int j, int columns)
+      : from(wanted == Wanted::lower ? std::min(j, rows) : 0),
+        to(wanted == Wanted::upper ? std::min(j + columns, rows) : rows) {}
+};
 
 template <class T>
 struct Operand {

@@ -50,9 +50,9 @@ inline bool is_small(int m, int n, int k) { return m < 4 || k < 8 || n < 8; }
 // saves. The sums are the same, bit for bit.
 template <class T>
 inline bool is_light(int m, int n, int k) {
-  constexpr int most = sizeof(Real<T>) == 4 ? 25 * 25 * 25
+  constexpr int most = sizeof(Real<T>) == 4 ? 36 * 36 * 36
                        : is_complex<T>      ? 48 * 48 * 48
-                                            : 33 * 33 * 33;
+                                            : 40 * 40 * 40;
   return k <= 128 && int64_t(m) * n * k <= most;
 }
 

@@ -4,24 +4,28 @@
 #include "blas/level2/beta.h"
 #include "blas/level2/gemv_complex.h"
 #include "blas/level2/storage.h"
+#include "simd/repeat.h"
 
 namespace jex::blas {
 
-// y += A (alpha x), from the first column to the last.
+using simd::unrolled;
+
+// y += A (alpha x), from the first column to the last. x may be spaced.
 template <class T>
-[[gnu::noinline]] void add_product(int m, int n, T alpha, const T* a, int lda, const T* x, T* y) {
+[[gnu::noinline]] void add_product(int m, int n, T alpha, const T* a, int lda, const T* x, int incx,
+                                   T* y) {
   constexpr int step = columns_at_once;
   const bool far = is_far<T>(lda, n);
   T t[step];
   int j = 0;
   for (; j + step <= n; j += step, a += ptrdiff_t(step) * lda) {
-    for (int k = 0; k < step; ++k) t[k] = alpha * x[j + k];
+    for (int k = 0; k < step; ++k) t[k] = alpha * x[(j + k) * incx];
     if (far)
       add_columns<step, Memory::far>(m, a, lda, t, y);
     else
       add_columns<step>(m, a, lda, t, y);
   }
-  for (int k = 0; j + k < n; ++k) t[k] = alpha * x[j + k];
+  for (int k = 0; j + k < n; ++k) t[k] = alpha * x[(j + k) * incx];
   with_count<step - 1>(n - j, [&](auto count) { add_columns<count>(m, a, lda, t, y); });
 }
 
@@ -53,21 +57,34 @@ template <class T>
   rest(n - grouped, {1, 1 + (m - 1) / width * width});
 }
 
-// Other strides: the same sums for y += A (alpha x), element by element; one sum for each dot
-// product.
-template <class T>
-[[gnu::noinline]] void add_strided(Op op, int m, int n, T alpha, const T* a, int lda, const T* x,
-                                   int incx, T* y, int incy) {
-  for (int j = 0; j < n; ++j, a += lda) {
-    if (op == Op::none) {
-      const T t = alpha * x[j * incx];
-      for (int i = 0; i < m; ++i) y[i * incy] = a[i] * t + y[i * incy];
-    } else {
-      T sum = a[0] * x[0];
-      for (int i = 1; i < m; ++i) sum = a[i] * x[i * incx] + sum;
-      y[j * incy] = sum * alpha + y[j * incy];
-    }
+// A few columns with other strides: the same sums for y += A (alpha x), element by element; one sum
+// for each dot product.
+template <int columns, class T>
+[[gnu::noinline]] void add_strided_columns(Op op, int m, T alpha, const T* a, ptrdiff_t lda,
+                                           const T* x, int incx, T* y, int incy) {
+  T sum[columns];
+  if (op == Op::none) {
+    unrolled<columns>([&](auto k) { sum[k] = alpha * x[k * incx]; });
+    for (int i = 0; i < m; ++i, y += incy)
+      unrolled<columns>([&](auto k) { *y = a[i + k * lda] * sum[k] + *y; });
+  } else {
+    unrolled<columns>([&](auto k) { sum[k] = a[k * lda] * x[0]; });
+    for (int i = 1; i < m; ++i)
+      unrolled<columns>([&](auto k) { sum[k] = a[i + k * lda] * x[i * incx] + sum[k]; });
+    unrolled<columns>([&](auto k) { y[k * incy] = sum[k] * alpha + y[k * incy]; });
   }
+}
+
+template <class T>
+void add_strided(Op op, int m, int n, T alpha, const T* a, int lda, const T* x, int incx, T* y,
+                 int incy) {
+  constexpr int step = 4;
+  for (int j = 0; j < n; j += step, a += ptrdiff_t(step) * lda)
+    with_count<step>(std::min(step, n - j), [&](auto count) {
+      const bool plain = op == Op::none;
+      add_strided_columns<count>(op, m, alpha, a, lda, plain ? x + j * incx : x, incx,
+                                 plain ? y : y + j * incy, incy);
+    });
 }
 
 // m and n are not negative. x and y are the vectors as the caller names them: a negative increment
@@ -89,10 +106,10 @@ template <class T>
     else
       add_complex_dots<Conj::no>(m, n, alpha, a, lda, x, incx, y, incy);
   } else {
-    if (incx != 1 || incy != 1)
+    if (plain && incy == 1)
+      add_product(m, n, alpha, a, lda, x, incx, y);
+    else if (incx != 1 || incy != 1)
       add_strided(op, m, n, alpha, a, lda, x, incx, y, incy);
-    else if (plain)
-      add_product(m, n, alpha, a, lda, x, y);
     else
       add_dots(m, n, alpha, a, lda, x, y);
   }

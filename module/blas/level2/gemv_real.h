@@ -32,8 +32,8 @@ inline constexpr size_t bytes_ahead = 2048;
 // A call may see a few columns of a larger matrix, as the blocks of the triangular kernels do: the
 // leading dimension tells of it.
 template <class T>
-inline bool is_far(int lda, int n) {
-  return size_t(lda) > near_bytes / sizeof(T) / std::max(lda, n);
+inline bool is_far(int lda, int n, size_t bytes = near_bytes) {
+  return size_t(lda) > bytes / sizeof(T) / std::max(lda, n);
 }
 
 // Calls kernel(k), k a compile-time constant, for k = count, from 1 to most; 0 calls nothing.

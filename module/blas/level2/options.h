@@ -8,7 +8,8 @@
 
 namespace jex::blas {
 
-inline bool is_option(const char* word, char letter) { return serv::lsame(word, &letter); }
+// letter is one.
+inline bool is_option(const char* word, char letter) { return (*word | 0x20) == (letter | 0x20); }
 
 template <auto value>
 using Constant = std::integral_constant<decltype(value), value>;

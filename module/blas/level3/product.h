@@ -9,12 +9,13 @@ enum class Side { left, right };
 
 // C := alpha a b + beta C, a m x k and b k x n as their operands show them.
 template <class T>
-inline void product(int m, int n, int k, T alpha, Operand<T> a, Operand<T> b, T beta, T* c,
-                    int ldc) {
+inline void product(int m, int n, int k, const T& alpha, const Operand<T>& a, const Operand<T>& b,
+                    const T& beta, T* c, int ldc, Wanted wanted = Wanted::all) {
   if constexpr (is_complex<T>)
-    complex_gemm<ComplexScheme>(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc);
+    complex_gemm<ComplexScheme>(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc,
+                                wanted);
   else
-    gemm(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc);
+    gemm(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc, wanted);
 }
 
 template <class T>

@@ -31,25 +31,24 @@ template <Conj conj, class T, class S>
                               int lda, S beta, T* c, int ldc) {
   if (n <= 0) return;
   const StoredTriangle<T> triangle{uplo, n, c, ldc};
-  scale_triangle<conj>(triangle, {0, n}, beta);
-  if (is_zero(alpha) || k <= 0) return;
+  // A single block is scaled when its product is added.
+  const bool is_block = n <= diagonal_block, is_done = is_zero(alpha) || k <= 0;
+  if (is_done || !is_block) scale_triangle<conj>(triangle, {0, n}, beta);
+  if (is_done) return;
+  const S factor_of_block = is_block ? beta : one_of<S>;
+  const Wanted wanted = uplo == Uplo::upper ? Wanted::upper : Wanted::lower;
   constexpr int scratch_ld = 128;
   alignas(16) T scratch[diagonal_block * scratch_ld];
   const Factors<conj, T> factors(transposed, a, lda);
   const T factor = widened<T>(alpha);
   const auto diagonal = [&](int first, int count) {
     product(count, count, k, factor, factors.rows(first), factors.columns(first), T{}, scratch,
-            scratch_ld);
-    const StoredTriangle<T> block = triangle.part(first, count);
-    for (int j = 0; j < count; ++j) {
-      const int begin = block.begin(j);
-      T* const to = block.column(j) + begin;
-      const T* const from = scratch + j * scratch_ld + begin;
-      add_terms(
-          block.end(j) - begin,
-          to, [=](int i, auto load) __attribute__((always_inline)) { return load(from + i, 1); });
-      settle_diagonal<conj>(block.column(j)[j]);
-    }
+            scratch_ld, wanted);
+    add_terms<conj>(
+        triangle.part(first, count),
+        factor_of_block, [&](int i, int j, auto load) __attribute__((always_inline)) {
+          return load(scratch + i + j * scratch_ld, 1);
+        });
   };
   const auto rectangle = [&](int i, int rows, int j, int columns) {
     product(rows, columns, k, factor, factors.rows(i), factors.columns(j), one_of<T>,

@@ -38,22 +38,39 @@ template <Conj conj, class T, class S>
   }
 }
 
-// c(i) += term(i), 0 <= i < n; term(i, load) reads its streams by load, a register or one element.
-template <class T, class Term>
-[[gnu::always_inline]] inline void add_terms(int n, T* c, Term term) {
+// c := beta c + term on the triangle, column by column; beta = 0 does not read c. term(i, j, load)
+// reads its streams by load, a register or one element.
+template <Conj conj, class T, class S, class Term>
+[[gnu::always_inline]] inline void add_terms(const StoredTriangle<T>& c, const S& beta, Term term) {
   using L = Lanes<T>;
-  int i = 0;
-  for (; i + L::count <= n; i += L::count)
-    (L::load(c + i) + term(i, [](const T* p, ptrdiff_t inc) {
-       return inc == 1 ? L::load(p) : L::gather(p, inc);
-     })).store(c + i);
-  for (; i < n; ++i)
-    (L::load_first(c + i) + term(i, [](const T* p, ptrdiff_t) {
-       return L::load_first(p);
-     })).store_first(c + i);
+  const Factor<S> factor(beta);
+  const auto run = [&](auto old) __attribute__((always_inline)) {
+    for (int j = 0; j < c.n; ++j) {
+      T* const column = c.column(j);
+      const int end = c.end(j);
+      int i = c.begin(j);
+      for (; i + L::count <= end; i += L::count)
+        (old(column + i, [](const T* p) { return L::load(p); }) +
+         term(i, j, [](const T* p, ptrdiff_t inc) {
+           return inc == 1 ? L::load(p) : L::gather(p, inc);
+         })).store(column + i);
+      for (; i < end; ++i)
+        (old(column + i, [](const T* p) { return L::load_first(p); }) +
+         term(i, j, [](const T* p, ptrdiff_t) {
+           return L::load_first(p);
+         })).store_first(column + i);
+      settle_diagonal<conj>(column[j]);
+    }
+  };
+  if (is_zero(beta))
+    run([](const T*, auto) __attribute__((always_inline)) { return L::zero(); });
+  else if (is_one(beta))
+    run([](const T* p, auto load) __attribute__((always_inline)) { return load(p); });
+  else
+    run([=](const T* p, auto load) __attribute__((always_inline)) { return load(p) * factor; });
 }
 
-// One block on the diagonal is computed whole in a scratch block, of which only the triangle is
+// One block on the diagonal is computed in a scratch block, of which only the triangle is
 // added to C: the multiply itself would write the half that must not change.
 inline constexpr int diagonal_block = 64;
 

@@ -17,13 +17,39 @@ inline constexpr int symmetric_block = 256;
 // d := the whole of the order-n matrix whose triangle is stored.
 template <Conj conj, class T>
 [[gnu::noinline]] void write_whole(const StoredTriangle<const T>& a, T* d, int ldd) {
-  for (int j = 0; j < a.n; ++j) {
-    const T* const column = a.column(j);
-    for (int i = a.begin(j); i < a.end(j); ++i) {
-      d[i + j * ldd] = column[i];
-      d[j + i * ldd] = conjugate_if<conj>(column[i]);
+  using L = Lanes<T>;
+  constexpr int count = L::count;
+  const bool upper = a.uplo == Uplo::upper;
+  const auto mirrored = [](L v) __attribute__((always_inline)) {
+    if constexpr (conj == Conj::yes)
+      return conjugate(v);
+    else
+      return v;
+  };
+  for (int j = 0; j < a.n; j += count) {
+    const int width = std::min(count, a.n - j), end = upper ? j : a.n;
+    int begin = upper ? 0 : j + width;
+    // Squares beside the diagonal, in registers: later loads of whole registers need not wait.
+    if (width == count)
+      for (; begin + count <= end; begin += count) {
+        L square[count];
+        unrolled<count>([&](auto k) {
+          square[k] = L::load(a.column(j + k) + begin);
+          square[k].store(d + begin + (j + k) * ldd);
+        });
+        transpose(square);
+        unrolled<count>([&](auto k) { mirrored(square[k]).store(d + j + (begin + k) * ldd); });
+      }
+    for (int k = j; k < j + width; ++k) {
+      const auto write = [&](int i) __attribute__((always_inline)) {
+        const L v = L::load_first(a.column(k) + i);
+        v.store_first(d + i + k * ldd);
+        mirrored(v).store_first(d + k + i * ldd);
+      };
+      for (int i = begin; i < end; ++i) write(i);
+      for (int i = upper ? j : k; i < (upper ? k + 1 : j + width); ++i) write(i);
+      settle_diagonal<conj>(d[k + k * ldd]);
     }
-    settle_diagonal<conj>(d[j + j * ldd]);
   }
 }
 

@@ -1,6 +1,6 @@
 // The lane kernels of trsm and trmm: x := x inverse(U) and x := x U for a lane of right-hand sides,
 // over the factors of triangle_factors.h. x holds one register for each unknown, up to whole
-// groups.
+// groups. A kernel does one group of columns, whose rows of factors it is given.
 #pragma once
 
 #include "blas/level3/triangle_factors.h"
@@ -74,29 +74,27 @@ struct SolveLane {
     pack_triangle(
         t, factors, [](T u) { return u; }, [](T u) { return quotient(one_of<T>, u); });
   }
+  static constexpr bool ascending = true;
   template <class T>
-  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* factors, int groups) {
+  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* rows, int g) {
     constexpr int width = group_columns<T>, row = group_row<T>;
-    for (int g = 0; g < groups; ++g) {
-      Lanes<Real<T>> sum[real_columns];
-      unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
-      add_rows<T>(sum, x, factors, g);
-      factors += g * width * row;
-      Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
-      Lanes<T> v[width];
-      unrolled<width>([&](auto c) __attribute__((always_inline)) {
-        v[c] = lane_at<T>(own, c) - column_of<T, c>(sum);
+    Lanes<Real<T>> sum[real_columns];
+    unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
+    add_rows<T>(sum, x, rows, g);
+    Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
+    const Real<T>* const corner = rows + g * width * row;
+    Lanes<T> v[width];
+    unrolled<width>([&](auto c) __attribute__((always_inline)) {
+      v[c] = lane_at<T>(own, c) - column_of<T, c>(sum);
+    });
+    unrolled<width>([&](auto r) __attribute__((always_inline)) {
+      v[r] = times_factor<T, r>(v[r], corner + r * row);
+      put_lane<T>(own, r, v[r]);
+      unrolled<width - 1 - r>([&](auto after) __attribute__((always_inline)) {
+        constexpr int c = r + 1 + after;
+        v[c] = v[c] - times_factor<T, c>(v[r], corner + r * row);
       });
-      unrolled<width>([&](auto r) __attribute__((always_inline)) {
-        v[r] = times_factor<T, r>(v[r], factors + r * row);
-        put_lane<T>(own, r, v[r]);
-        unrolled<width - 1 - r>([&](auto after) __attribute__((always_inline)) {
-          constexpr int c = r + 1 + after;
-          v[c] = v[c] - times_factor<T, c>(v[r], factors + r * row);
-        });
-      });
-      factors += width * row;
-    }
+    });
   }
 };
 
@@ -112,27 +110,25 @@ struct MultiplyLane {
     else
       pack_triangle(t, factors, scaled, scaled);
   }
+  static constexpr bool ascending = false;
   template <class T>
-  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* factors, int groups) {
+  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* rows, int g) {
     constexpr int width = group_columns<T>, row = group_row<T>;
-    for (int g = groups - 1; g >= 0; --g) {
-      const Real<T>* const rows = factors + factors_before<T>(g);
-      Lanes<Real<T>> sum[real_columns];
-      unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
-      add_rows<T>(sum, x, rows, g);
-      Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
-      const Real<T>* const corner = rows + g * width * row;
-      Lanes<T> v[width];
-      unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = column_of<T, c>(sum); });
-      unrolled<width>([&](auto r) __attribute__((always_inline)) {
-        const Lanes<T> old = lane_at<T>(own, r);
-        unrolled<width - r>([&](auto after) __attribute__((always_inline)) {
-          constexpr int c = r + after;
-          v[c] = v[c] + times_factor<T, c>(old, corner + r * row);
-        });
+    Lanes<Real<T>> sum[real_columns];
+    unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
+    add_rows<T>(sum, x, rows, g);
+    Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
+    const Real<T>* const corner = rows + g * width * row;
+    Lanes<T> v[width];
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = column_of<T, c>(sum); });
+    unrolled<width>([&](auto r) __attribute__((always_inline)) {
+      const Lanes<T> old = lane_at<T>(own, r);
+      unrolled<width - r>([&](auto after) __attribute__((always_inline)) {
+        constexpr int c = r + after;
+        v[c] = v[c] + times_factor<T, c>(old, corner + r * row);
       });
-      unrolled<width>([&](auto c) __attribute__((always_inline)) { put_lane<T>(own, c, v[c]); });
-    }
+    });
+    unrolled<width>([&](auto c) __attribute__((always_inline)) { put_lane<T>(own, c, v[c]); });
   }
 };
 

@@ -20,10 +20,10 @@ inline constexpr int triangle_block = 256;
 inline constexpr int vector_panel = 1024;
 inline constexpr int narrow_panel = 48;
 
-// Up to this order a triangle goes to the lane kernel: its factors, a register each, stay in half
-// of the first-level cache.
+// Up to this order a triangle goes to the lane kernel: its factors, a register each, leave a third
+// of the first-level cache to the right-hand sides.
 template <class T>
-inline constexpr int lane_order = is_complex<T> ? 16 : 32;
+inline constexpr int lane_order = is_complex<T> ? 24 : 48;
 
 struct Solve {
   using Lane = SolveLane;
@@ -50,57 +50,97 @@ void couple(const Triangular<T>& t, T alpha, int from, int count, int to, int re
 // The right-hand sides of a lane, in and out of its registers. A lane that is not full has zeros.
 template <class T>
 struct LaneOfVectors {
-  static constexpr int count = Lanes<T>::count;
-  T* b;
+  using L = Lanes<T>;
+  T* b;  // the first unknown in the walk
   ptrdiff_t to_unknown, to_vector;
   int order, vectors;
 
   [[gnu::always_inline]] void load(Real<T>* x) const {
     const T* p = b;
-    for (int i = 0; i < order; ++i, p += to_unknown) {
-      if (vectors == count) {
-        put_lane<T>(x, i, to_vector == 1 ? Lanes<T>::load(p) : Lanes<T>::gather(p, to_vector));
-      } else {
-        T part[count] = {};
-        for (int v = 0; v < vectors; ++v) part[v] = p[v * to_vector];
-        put_lane<T>(x, i, Lanes<T>::load(part));
-      }
-    }
+    int i = 0;
+    if (vectors == L::count && to_vector != 1)
+      squares(
+          i, [&](L(&square)[L::count], T * p, int i) __attribute__((always_inline)) {
+            unrolled<L::count>([&](auto v) { square[v] = L::load(p + v * to_vector); });
+            transpose(square);
+            unrolled<L::count>([&](auto k) { put_lane<T>(x, i + in_walk(k), square[k]); });
+          });
+    for (p += i * to_unknown; i < order; ++i, p += to_unknown)
+      put_lane<T>(x, i,
+                  vectors < L::count ? gather_some(p, to_vector, vectors)
+                  : to_vector == 1   ? L::load(p)
+                                     : L::gather(p, to_vector));
   }
   [[gnu::always_inline]] void store(const Real<T>* x) const {
     T* p = b;
-    for (int i = 0; i < order; ++i, p += to_unknown) {
-      const Lanes<T> lane = lane_at<T>(x, i);
-      if (vectors == count) {
+    int i = 0;
+    if (vectors == L::count && to_vector != 1)
+      squares(
+          i, [&](L(&square)[L::count], T * p, int i) __attribute__((always_inline)) {
+            unrolled<L::count>([&](auto k) { square[k] = lane_at<T>(x, i + in_walk(k)); });
+            transpose(square);
+            unrolled<L::count>([&](auto v) { square[v].store(p + v * to_vector); });
+          });
+    for (p += i * to_unknown; i < order; ++i, p += to_unknown) {
+      const L lane = lane_at<T>(x, i);
+      if (vectors == L::count) {
         to_vector == 1 ? lane.store(p) : lane.scatter(p, to_vector);
       } else {
-        T part[count];
+        T part[L::count];
         lane.store(part);
         for (int v = 0; v < vectors; ++v) p[v * to_vector] = part[v];
       }
     }
   }
+
+ private:
+  // Unknowns beside each other in memory, as many as a lane has vectors: square(registers, first in
+  // memory, first in the walk).
+  template <class Square>
+  [[gnu::always_inline]] void squares(int& i, Square square) const {
+    for (; i + L::count <= order; i += L::count) {
+      L registers[L::count];
+      square(registers, b + (to_unknown > 0 ? i : -i - L::count + 1), i);
+    }
+  }
+  int in_walk(int k) const { return to_unknown > 0 ? k : L::count - 1 - k; }
 };
+
+// Lanes that go through the triangle side by side: while one waits for its unknowns, the next ones
+// compute.
+inline constexpr int lanes_together = 4;
 
 // A triangle of at most lane_order unknowns.
 template <class Task, class T>
-[[gnu::noinline]] void run_lanes(const Triangular<T>& t, T alpha) {
+[[gnu::noinline]] void run_lanes(const Triangular<T>& t, const T& alpha) {
   using R = Real<T>;
+  using Lane = typename Task::Lane;
   constexpr int most = lane_order<T>, count = Lanes<T>::count;
+  constexpr ptrdiff_t size = most * Lanes<R>::count;
   alignas(16) R factors[factors_before<T>(most / group_columns<T>)];
-  alignas(16) R x[most * Lanes<R>::count];
-  Task::Lane::pack(t, alpha, factors);
+  alignas(16) R x[lanes_together * size];
+  Lane::pack(t, alpha, factors);
   const int groups = groups_of<T>(t.order);
-  for (int i = t.order; i < groups * group_columns<T>; ++i) put_lane<T>(x, i, Lanes<T>::zero());
+  for (int lane = 0; lane < lanes_together; ++lane)
+    for (int i = t.order; i < groups * group_columns<T>; ++i)
+      put_lane<T>(x + lane * size, i, Lanes<T>::zero());
   T* b = t.forward() ? t.b : t.unknown(t.order - 1);
   const ptrdiff_t to_unknown = t.forward() ? t.to_unknown() : -t.to_unknown();
   const auto run = [&](ptrdiff_t to_vector) __attribute__((always_inline)) {
-    for (int v = 0; v < t.vectors; v += count, b += count * to_vector) {
-      const LaneOfVectors<T> lane{b, to_unknown, to_vector, t.order,
-                                  std::min(count, t.vectors - v)};
-      lane.load(x);
-      Task::Lane::template run<T>(x, factors, groups);
-      lane.store(x);
+    for (int v = 0; v < t.vectors; v += lanes_together * count) {
+      const int lanes = std::min(lanes_together, (t.vectors - v + count - 1) / count);
+      const auto lane = [&](int k) __attribute__((always_inline)) {
+        const int first = v + k * count;
+        return LaneOfVectors<T>{b + first * to_vector, to_unknown, to_vector, t.order,
+                                std::min(count, t.vectors - first)};
+      };
+      for (int k = 0; k < lanes; ++k) lane(k).load(x + k * size);
+      for (int i = 0; i < groups; ++i) {
+        const int g = Lane::ascending ? i : groups - 1 - i;
+        for (int k = 0; k < lanes; ++k)
+          Lane::template run<T>(x + k * size, factors + factors_before<T>(g), g);
+      }
+      for (int k = 0; k < lanes; ++k) lane(k).store(x + k * size);
     }
   };
   t.is_left() ? run(t.ldb) : run(1);
@@ -119,7 +159,7 @@ template <class Task, class T, class Block>
 
 // A triangle in halves: the products are as large as they can be.
 template <class Task, class T>
-void run_block(const Triangular<T>& t, T alpha) {
+void run_block(const Triangular<T>& t, const T& alpha) {
   if (t.order <= lane_order<T>) return run_lanes<Task>(t, alpha);
   const int half = (t.order / 2 + real_columns - 1) / real_columns * real_columns;
   const auto half_of = [&](bool first) {
@@ -134,7 +174,8 @@ void run_block(const Triangular<T>& t, T alpha) {
 }
 
 template <class Task, class T>
-[[gnu::noinline]] void run_triangle(const Triangular<T>& t, T alpha) {
+[[gnu::noinline]] void run_triangle(const Triangular<T>& t, const T& alpha) {
+  if (t.order <= lane_order<T>) return run_lanes<Task>(t, alpha);
   const bool ascending = t.forward() == Task::block_first;
   for (int done = 0; done < t.order; done += triangle_block) {
     const int count = std::min(triangle_block, t.order - done);
@@ -159,7 +200,7 @@ Triangular<T> triangle_of(Side side, Uplo uplo, Op op, Diag diag, int m, int n, 
 }
 
 template <class T>
-[[gnu::noinline]] void trsm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, T alpha,
+[[gnu::noinline]] void trsm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, const T& alpha,
                             const T* a, int lda, T* b, int ldb) {
   if (m <= 0 || n <= 0) return;
   scale_matrix(m, n, alpha, b, ldb);
@@ -168,7 +209,7 @@ template <class T>
 }
 
 template <class T>
-[[gnu::noinline]] void trmm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, T alpha,
+[[gnu::noinline]] void trmm(Side side, Uplo uplo, Op op, Diag diag, int m, int n, const T& alpha,
                             const T* a, int lda, T* b, int ldb) {
   if (m <= 0 || n <= 0) return;
   if (is_zero(alpha)) return scale_matrix(m, n, alpha, b, ldb);
