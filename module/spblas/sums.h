@@ -10,6 +10,7 @@
 #pragma once
 
 #include "simd/lanes.h"
+#include "simd/repeat.h"
 
 #include <jex/types.h>
 
@@ -63,6 +64,37 @@ template <class Value, class Term>
     s0 = ((s0 + s1) + s2) + s3;
   }
   for (; k < last; k = simd::pinned(k + 1)) s0 = s0 + term(k);
+  return s0;
+}
+
+// A chain of the terms of all entries, two in each step.
+template <class Value, class Term>
+[[gnu::always_inline]] inline Value full_row_chain(Entry first, Entry last, Value sum, Term term) {
+  Entry k = first;
+  for (; last - k >= 2; k = simd::pinned(k + 2)) sum = (sum + term(k)) + term(k + 1);
+  return k < last ? sum + term(k) : sum;
+}
+
+// Partial sums of n entries, a constant: without a branch.
+template <int n, class Value, class Term>
+[[gnu::always_inline]] inline Value full_row_sum(Entry first, Value zero, Term term) {
+  constexpr int in_blocks = n / 4 * 4;
+  Value s0 = zero;
+  if constexpr (in_blocks > 0) {
+    s0 = s0 + term(first);
+    Value s1 = term(first + 1), s2 = term(first + 2), s3 = term(first + 3);
+    simd::unrolled<n / 4 - 1>([&](auto block) __attribute__((always_inline)) {
+      const Entry k = first + 4 * (block + 1);
+      s0 = s0 + term(k);
+      s1 = s1 + term(k + 1);
+      s2 = s2 + term(k + 2);
+      s3 = s3 + term(k + 3);
+    });
+    s0 = ((s0 + s1) + s2) + s3;
+  }
+  simd::unrolled<n - in_blocks>([&](auto rest) __attribute__((always_inline)) {
+    s0 = s0 + term(first + in_blocks + rest);
+  });
   return s0;
 }
 

@@ -55,9 +55,11 @@ struct CsrMatrix {
   Operand<T>& values() { return *values_; }
   const jex_int* columns() { return columns_->data(); }
   const jex_int* begin() { return begin_->data(); }
-  const jex_int* end() { return end_->data(); }
+  const jex_int* end() { return classic_ ? begin() + 1 : end_->data(); }
 
+  // Without gaps in the classic form of three arrays.
   void store(Random& random, bool gaps = true) {
+    classic_ = !gaps;
     const jex_int start = random.pick({0, 1, 5, -3, 1000});
     std::vector<T> values;
     std::vector<jex_int> columns, begin, end;
@@ -83,6 +85,7 @@ struct CsrMatrix {
  private:
   std::optional<Operand<T>> values_;
   std::optional<Operand<jex_int>> columns_, begin_, end_;
+  bool classic_ = false;
 };
 
 // Rows for a product: any columns in any order, some twice, empty and full rows. Entries that the

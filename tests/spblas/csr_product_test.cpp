@@ -38,6 +38,19 @@ struct Product {
         c(random, name.transposed() ? columns : m, n, !vector && name.by_rows,
           vector ? 0 : random.between(0, 3)) {}
 
+  // Rows of given lengths in the classic form; column(i) is one of row i.
+  template <class Column>
+  void reshape(Random& random, const std::vector<int>& lengths, int width, Column column) {
+    m = lengths.size(), columns = width;
+    a.rows.assign(m, {});
+    for (int i = 0; i < m; ++i)
+      for (int k = 0; k < lengths[i]; ++k)
+        a.rows[i].push_back({column(i), random_value<T>(random, Values::plain)});
+    a.store(random, false);
+    b = DenseMatrix<T>(random, columns, n, false, 0);
+    c = DenseMatrix<T>(random, m, n, false, 0);
+  }
+
   // Rows of a vector product or columns of a matrix product, counted from 1.
   void run(jex_int first, jex_int last) {
     T *x = b.operand.data(), *y = c.operand.data(), *values = a.values().data();
@@ -124,6 +137,42 @@ TYPED_TEST(CsrProduct, RangesMakeTheWhole) {
       p.model(1, most);
       EXPECT_EQ(p.difference(), "") << "cut " << cut;
     });
+}
+
+// Rows of one length after each other, few and many, short and long, in a small matrix and in one
+// beyond the second level of the caches.
+TYPED_TEST(CsrProduct, RowsOfOneLengthHaveTheToldOrder) {
+  for_products<TypeParam>("mvout_par", 1, [](Random& random, auto& p) {
+    if (p.name.kind != 'g') return;
+    for (const int most : {40, 2600}) {
+      std::vector<int> lengths = {0, 0};
+      for (int length = 0; length < 15; ++length)
+        for (const int count : {1, random.between(2, 5), most, 1}) {
+          lengths.insert(lengths.end(), count, length);
+          lengths.push_back(random.between(0, 14));
+        }
+      p.reshape(random, lengths, 50, [&](int) { return random.between(0, 49); });
+      const int first = random.between(1, 9);
+      p.run(first, p.m);
+      p.model(first, p.m);
+      EXPECT_EQ(p.difference(), "") << most;
+    }
+  });
+}
+
+// Rows that read far from each other.
+TYPED_TEST(CsrProduct, ScatteredRowsHaveTheToldOrder) {
+  for_products<TypeParam>("mmout_par", 1, [](Random& random, auto& p) {
+    if (p.name.kind != 'g' || p.name.transposed() || p.name.by_rows) return;
+    std::vector<int> lengths(40);
+    for (int& length : lengths) length = random.between(0, 11);
+    p.n = 3;
+    p.reshape(random, lengths, 300000,
+              [&](int i) { return i % 2 * 200000 + random.between(0, 99999); });
+    p.run(2, p.n);
+    p.model(2, p.n);
+    EXPECT_EQ(p.difference(), "");
+  });
 }
 
 // Sizes below 1 and empty ranges: no operand need exist.

@@ -24,7 +24,7 @@ struct Matrix {
 // A list as the loops walk it: an entry is the address of its column number. Its row number lies at
 // a fixed distance, and its value at a multiple of that address and a distance, so that one
 // register walks three arrays. The distances are kept as pointers, for the reason that stands
-// beside the rows of csr/matrix.h.
+// beside the rows of csr/matrix.h; pinned, as the compiler would else take them apart again.
 template <class T>
 struct Entries {
   const char *values, *rows;
@@ -32,9 +32,10 @@ struct Entries {
 
   // Entries begin .. end - 1 of the list.
   Entries(const Matrix<T>& a, int begin, int end)
-      : values(reinterpret_cast<const char*>(a.values) -
-               reinterpret_cast<uintptr_t>(a.columns) * scale),
-        rows(reinterpret_cast<const char*>(a.rows) - reinterpret_cast<uintptr_t>(a.columns)),
+      : values(pinned(reinterpret_cast<const char*>(a.values) -
+                      reinterpret_cast<uintptr_t>(a.columns) * scale)),
+        rows(
+            pinned(reinterpret_cast<const char*>(a.rows) - reinterpret_cast<uintptr_t>(a.columns))),
         first(a.columns + begin),
         last(a.columns + end) {}
 

@@ -47,7 +47,9 @@ template <class Group, EntryRule rule, Layout layout, class T>
     do {
       add(k);
       k = pinned(k + 1);
-    } while (k < a.last && a.row(k) == i);
+      if (k >= a.last) [[unlikely]]
+        break;
+    } while (a.row(k) == i);
     Group::store(place(pinned(i)), y.ld, sum);  // an address that the loop need not keep
   }
 }

@@ -46,7 +46,7 @@ template <Variant v, Layout layout, class T>
   if constexpr (v.kind == Kind::diagonal && unit) {
     add_scaled<layout, T>(m, n, alpha, {b, ldb}, {c, ldc});
   } else {
-    multiply_columns<T, matrix_method(entry_rule(v), layout), layout>(
+    multiply_matrix<T, matrix_method(entry_rule(v), layout), layout>(
         a, c1 - 1, c2, m, is_strict(v), unit, signed_alpha(negates(v), alpha),
         {from_number_0<layout>(b, a.base, ldb), ldb}, {from_number_0<layout>(c, a.base, ldc), ldc});
   }

@@ -9,9 +9,14 @@
 // diagonal adds t to y(i) when the row is done.
 #pragma once
 
+#include "simd/prefetch.h"
 #include "spblas/csr/matrix.h"
 #include "spblas/entry_rule.h"
 #include "spblas/sums.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
 
 namespace jex::spblas::csr {
 
@@ -110,18 +115,17 @@ template <class Group, Method method, Layout layout, class T>
   Group::store(yi, y.ld, sum);
 }
 
-// Rows first .. last - 1. x and y are those of number 0.
+// Rows number first .. last - 1. x and y are those of number 0.
 template <class T, Method method>
-[[gnu::noinline]] void multiply_vector(const Matrix<T>& matrix, int first, int last, bool strict,
-                                       bool unit, const T& scale, const T* x, T* y) {
-  const Rows<T> a(matrix);
+[[gnu::noinline]] void multiply_rows(const Rows<T>& rows_of, int first, int last, bool strict,
+                                     bool unit, const T& scale, const T* x, T* y) {
+  const Rows<T> a = rows_of;
   const T alpha = scale;
   // Mirrored rows with a unit diagonal go twice, by the other kernel.
   constexpr bool both = method.rule.row != Part::none && method.rule.mirror != Part::none;
   const auto rows = [&](auto classic) __attribute__((always_inline)) {
-    const int end = last + a.base;
-    Entry k = a.first(first + a.base);
-    for (int i = first + a.base; i < end; i = pinned(i + 1)) {
+    Entry k = a.first(first);
+    for (int i = first; i < last; i = pinned(i + 1)) {
       if constexpr (!classic) k = a.first(i);
       const Entry row_end = pinned(a.last(i));
       multiply_row<One<T>, method, Layout::column_major>(a, i, k, row_end, !both && strict,
@@ -136,6 +140,102 @@ template <class T, Method method>
     rows(std::false_type());
 }
 
+// Rows that follow each other with the same number of entries, at most so many, need no look at
+// where each ends and no branch that depends on it: they go together.
+inline constexpr int longest_alike = 12;
+inline constexpr int most_together = 512;
+
+// How many rows from number i on, up to end, have as many entries as row i, in the classic form; 0
+// if there are not so few. Of rows of all lengths one branch tells.
+template <int fewest, class T>
+[[gnu::always_inline]] inline int rows_alike(const Rows<T>& a, int i, int end) {
+  if (end - i < fewest) return 0;
+  const jex_int *const begins = a.begin + i, *const ends = a.end + i;
+  const int n = ends[0] - begins[0], most = std::min(end - i, most_together);
+  if (n < 1 || n > longest_alike) return 0;
+  int differ = 0;
+  for (int row = 1; row < fewest; ++row) differ |= ends[row] - begins[row] - n;
+  if (differ != 0) return 0;
+  int count = fewest;
+  while (count < most && ends[count] - begins[count] == n) ++count;
+  return count;
+}
+
+// Bytes by which columns and values are asked for before their row. The columns have to be near:
+// where x is scattered, all waits for them. The values would be in the way of x there if they came
+// nearer than the second level.
+inline constexpr int columns_ahead = 1024, values_ahead = 8192;
+// Bytes of values from which that pays: the second level holds what is smaller.
+inline constexpr int large = 1 << 20;
+
+template <int n, class T>
+[[gnu::always_inline]] inline void ask_ahead(const Rows<T>& a, Entry k) {
+  constexpr int line = 64;
+  simd::prefetch(reinterpret_cast<const char*>(k) + columns_ahead);
+  simd::unrolled<(n * sizeof(T) + line - 1) / line>([&](auto part) __attribute__((always_inline)) {
+    simd::prefetch_far(reinterpret_cast<const char*>(&a.value(k)) + values_ahead + part * line);
+  });
+}
+
+// Count rows of n entries each, from entry k on; y_end is the element behind the last one's.
+template <class T, Part part, int n, bool asks>
+[[gnu::always_inline]] inline void multiply_alike(const Rows<T>& a, Entry k, int count,
+                                                  const T& alpha, const T* x, T* y_end) {
+  using Group = One<T>;
+  const auto scale = Group::template factor<false>(alpha);
+  const auto term = [&](Entry k) __attribute__((always_inline)) {
+    return Group::load(x + *k, 0) * Group::template factor<part == Part::conj>(a.value(k));
+  };
+  for (int i = -count; i < 0; i = pinned(i + 1)) {
+    if constexpr (asks) ask_ahead<n>(a, k);
+    const auto sum = full_row_sum<n>(k, Group::zero(), term);
+    T* const yi = pinned(y_end + i);
+    Group::store(yi, 0, sum * scale + Group::load(yi, 0));
+    k = pinned(k + n);
+  }
+}
+
+// The same with their number of entries as a constant, if it is one of shortest .. longest_alike.
+template <class T, Part part, int shortest = 1>
+[[gnu::always_inline]] inline void multiply_alike(const Rows<T>& a, Entry k, int n, int count,
+                                                  bool asks, const T& alpha, const T* x, T* y_end) {
+  if (n != shortest) {
+    if constexpr (shortest < longest_alike)
+      multiply_alike<T, part, shortest + 1>(a, k, n, count, asks, alpha, x, y_end);
+  } else if (asks) {
+    multiply_alike<T, part, shortest, true>(a, k, count, alpha, x, y_end);
+  } else {
+    multiply_alike<T, part, shortest, false>(a, k, count, alpha, x, y_end);
+  }
+}
+
+// Rows first .. last - 1, counted from 0. x and y are those of number 0.
+template <class T, Method method>
+[[gnu::noinline]] void multiply_vector(const Matrix<T>& matrix, int first, int last, bool strict,
+                                       bool unit, const T& scale, const T* x, T* y) {
+  const Rows<T> a(matrix);
+  const int end = last + a.base;
+  int i = first + a.base;
+  if constexpr (method.rule.side == Side::any && method.order == Order::four) {
+    const bool asks = a.last(end - 1) - a.first(i) > large / int(sizeof(T));
+    while (a.end == a.begin + 1 && i < end) {
+      int next = i;
+      if (const int count = rows_alike<2>(a, i, end)) {
+        next += count;
+        multiply_alike<T, method.rule.row>(a, a.first(i), a.last(i) - a.first(i), count, asks,
+                                           scale, x, y + next);
+      } else {
+        // The longer none are found, the more rows go by until the next look.
+        do next = std::min(i + std::max(4, 2 * (next - i)), end);
+        while (next < end && next - i < most_together && !rows_alike<4>(a, next, end));
+        multiply_rows<T, method>(a, i, next, strict, unit, scale, x, y);
+      }
+      i = next;
+    }
+  }
+  if (i < end) multiply_rows<T, method>(a, i, end, strict, unit, scale, x, y);
+}
+
 // Registers of columns at once: sums, operands of mirror parts, a factor and a product have to find
 // place in eight.
 template <class T>
@@ -146,7 +246,24 @@ consteval int registers_at_once(Method method) {
   return most > 4 ? 4 : most > 0 ? most : 1;
 }
 
-// Columns c1 .. c2 - 1 of b and c, all m rows.
+// Does a row read far from where the row before has read? Then every element of x is a miss, and
+// those of one column at a time find more of its lines and pages in the caches than those of many.
+template <class T>
+inline bool is_scattered(const Rows<T>& a, int m) {
+  constexpr int samples = 32, far = (1 << 18) / sizeof(T);
+  int looked_at = 0, found = 0;
+  for (int s = 0; m > 1 && s < samples; ++s) {
+    const int i = a.base + int(int64_t(m - 1) * s / samples);
+    const Entry p = a.first(i), q = a.first(i + 1);
+    const int shared = std::min(a.last(i) - p, a.last(i + 1) - q);
+    if (shared < 1) continue;
+    ++looked_at;
+    found += abs(p[shared / 2] - q[shared / 2]) > far;
+  }
+  return 2 * found > looked_at;
+}
+
+// Columns c1 .. c2 - 1 of b and c, all m rows, several columns at once.
 template <class T, Method method, Layout layout>
 [[gnu::noinline]] void multiply_columns(const Matrix<T>& matrix, int c1, int c2, int m, bool strict,
                                         bool unit, const T& scale, Dense<const T> b, Dense<T> c) {
@@ -171,6 +288,23 @@ template <class T, Method method, Layout layout>
     else
       row.template operator()<method>(i, first, last);
   }
+}
+
+// The same, of a general matrix whose columns are scattered one by one.
+template <class T, Method method, Layout layout>
+[[gnu::noinline]] void multiply_matrix(const Matrix<T>& matrix, int c1, int c2, int m, bool strict,
+                                       bool unit, const T& alpha, Dense<const T> b, Dense<T> c) {
+  if constexpr (layout == Layout::column_major && method.rule.side == Side::any &&
+                method.rule.mirror == Part::none) {
+    const Rows<T> a(matrix);
+    if (is_scattered(a, m)) {
+      for (int j = c1; j < c2; ++j)
+        multiply_rows<T, method>(a, a.base, m + a.base, strict, unit, alpha, b.p + j * b.ld,
+                                 c.p + j * c.ld);
+      return;
+    }
+  }
+  multiply_columns<T, method, layout>(matrix, c1, c2, m, strict, unit, alpha, b, c);
 }
 
 }  // namespace jex::spblas::csr

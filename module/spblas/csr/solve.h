@@ -72,13 +72,21 @@ template <class Group, Uplo uplo, bool conj, Layout layout, class T>
   const auto value = [&](Entry k) __attribute__((always_inline)) {
     return Group::template factor<conj>(a.value(k));
   };
-  const Value sum = row_sum<order>(
-      r.first, r.last - carries,
-      Group::zero(), [&](Entry k, Value & sum) __attribute__((always_inline)) {
-        const int j = *k;
-        if (unit && !beside<side(uplo)>(i, j)) return;
-        sum = sum + Group::load(at_row<layout>(y, j, ld), ld) * value(k);
-      });
+  const auto term = [&](Entry k) __attribute__((always_inline)) {
+    return Group::load(at_row<layout>(y, *k, ld), ld) * value(k);
+  };
+  Value sum;
+  if (unit) {
+    sum = row_sum<order>(
+        r.first, r.last - carries,
+        Group::zero(), [&](Entry k, Value & sum) __attribute__((always_inline)) {
+          if (beside<side(uplo)>(i, *k)) sum = sum + term(k);
+        });
+  } else if constexpr (order == Order::four) {
+    sum = full_row_sum(r.first, r.last, Group::zero(), term);
+  } else {
+    sum = full_row_chain(r.first, r.last - carries, Group::zero(), term);
+  }
   return carries ? sum + *before * value(r.last - 1) : sum;
 }
 

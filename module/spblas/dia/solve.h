@@ -57,9 +57,12 @@ void solve_block(const Solver<T>& s, Range rows, T* y) {
   if constexpr (!transposed) divide();
 }
 
-// One row, for the group of columns at c.
+// One row, for the group of columns at c; the result is its unknowns. Those of the row before, if
+// given, need not come back from memory where the nearest diagonal asks for them: they are what the
+// division waits for.
 template <class Group, bool transposed, bool conj, class T>
-[[gnu::always_inline]] inline void solve_row(const Solver<T>& s, int i, T* c, ptrdiff_t ld) {
+[[gnu::always_inline]] inline typename Group::Value solve_row(
+    const Solver<T>& s, int i, T* c, ptrdiff_t ld, const typename Group::Value* before = nullptr) {
   using Value = typename Group::Value;
   const auto divide = [&](Value y) __attribute__((always_inline)) {
     if (s.unit) return y;
@@ -69,19 +72,29 @@ template <class Group, bool transposed, bool conj, class T>
     for (T& element : elements) element = blas::quotient(element, d);
     return Group::SideBySide::load(elements, 0);
   };
+  // The farther a diagonal, the fewer rows it meets: those after the first that meets this row all
+  // do.
+  const jex_int *distance = s.a.distances + s.far, *const end = distance + s.count * s.step;
+  const T* value = s.a.diagonal(s.far) + i;
+  const ptrdiff_t next = s.step * s.a.ld;
+  for (; distance != end && unsigned(i) + unsigned(*distance) >= unsigned(s.m); distance += s.step)
+    value += next;
+  const bool carries = !transposed && before && s.block == 1 && distance != end;
   Value yi = Group::load(c + i, ld);
   if constexpr (transposed) yi = divide(yi);
-  for (int n = 0, d = s.far; n < s.count; ++n, d += s.step) {
-    const int j = i + s.a.distances[d];
-    if (j < 0 || j >= s.m) continue;
-    const auto factor = Group::template factor<conj>(s.a.diagonal(d)[i]);
+  for (const jex_int* const last = end - (carries ? s.step : 0); distance != last;
+       distance += s.step, value += next) {
+    T* const yj = c + i + *distance;
+    const auto factor = Group::template factor<conj>(*value);
     if constexpr (transposed)
-      Group::store(c + j, ld, Group::load(c + j, ld) - yi * factor);
+      Group::store(yj, ld, Group::load(yj, ld) - yi * factor);
     else
-      yi = yi - Group::load(c + j, ld) * factor;
+      yi = yi - Group::load(yj, ld) * factor;
   }
+  if (carries) yi = yi - *before * Group::template factor<conj>(*value);
   if constexpr (!transposed) yi = divide(yi);
   Group::store(c + i, ld, yi);
+  return yi;
 }
 
 // part(range) for 0 .. m - 1 in parts of size, forward or back.
@@ -97,6 +110,15 @@ template <bool forward, class Part>
 template <class T, Uplo uplo, bool transposed, bool conj>
 [[gnu::noinline]] void solve(const Solver<T>& s, int count, T* c, ptrdiff_t ld) {
   constexpr bool forward = (uplo == Uplo::lower) != transposed;
+  if (s.block < shortest_wide_run && count == 1) {
+    using Group = One<T>;
+    typename Group::Value before = Group::zero();
+    for_parts<forward>(
+        {0, s.m}, 1, [&](Range row) __attribute__((always_inline)) {
+          before = solve_row<Group, transposed, conj>(s, row.begin, c, ld, &before);
+        });
+    return;
+  }
   if (s.block < shortest_wide_run) {
     for_parts<forward>(
         {0, s.m}, 1, [&](Range row) __attribute__((always_inline)) {
