@@ -56,7 +56,6 @@ JEX_ENTRIES(d, double)
 JEX_ENTRIES(s, float)
 #undef JEX_ENTRIES
 
-// The last element keeps the ends that a type has no point for.
 template <class R>
 class TrigProblem : public Problem {
  public:
@@ -74,8 +73,9 @@ class TrigProblem : public Problem {
   }
   void fill() override {
     x_ = noise<R>(n_ + 1);
-    if (type_ == 0) x_[0] = 0;
-    if (type_ != 1) x_[n_] = 0;
+    // Ends for which the type has no point.
+    if (type_ == 0 || type_ == 3 || type_ == 5) x_[0] = 0;
+    if (type_ == 0 || type_ == 2 || type_ == 4) x_[n_] = 0;
     y_ = x_;
     forward_ = true;
   }

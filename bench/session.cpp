@@ -18,7 +18,9 @@ const char session_flag[] = "--session";
 namespace {
 
 constexpr int most_crashes = 3;
-constexpr unsigned case_seconds = 120;  // a case that takes longer hangs
+// What takes longer hangs. A peer's first call may plan by measuring, for minutes where the
+// operands have millions of elements.
+constexpr unsigned case_seconds = 120, plan_seconds = 1200;
 
 /// Runs one case in the child and prints its answer.
 void answer(const Case& c, const PeerLibrary* library, const Effort& effort) {
@@ -39,7 +41,9 @@ void answer(const Case& c, const PeerLibrary* library, const Effort& effort) {
     other->fill();
     std::printf("peer %s\n", name);
     std::fflush(stdout);
+    alarm(plan_seconds);
     other->run(theirs, 1);
+    alarm(case_seconds);
     const double deviation = problem->deviation(*other);
     if (!(deviation <= 1)) {
       std::printf("wrong %s %g\n", name, deviation);

@@ -46,7 +46,7 @@ void run(int type, int n, const R* x, R* y) {
       std::vector<R> a(n + 1), b(n + 1);
       // The arrays of a call are aligned as these are.
       made = P::plan(n + kind.points, a.data() + kind.first, b.data() + kind.first, kind.kind,
-                     FFTW_MEASURE | FFTW_UNALIGNED);
+                     FFTW_MEASURE);
     }
     plan = made;
     last = key;

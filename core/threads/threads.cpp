@@ -1,4 +1,5 @@
-// A pool that grows to what calls ask for. Its threads sleep between calls.
+// A pool that grows to what calls ask for. Its threads sleep between calls, after a moment in which
+// another call, the next phase of a transform say, finds them awake.
 //
 // A child process has only the thread that forked: it begins with an empty pool. When the core is
 // unloaded the threads are ended first, and each gives its work buffers back. On Windows no thread
@@ -29,6 +30,12 @@ namespace {
 
 constexpr int most_threads = 256;
 
+// Until the condition holds, or some tens of microseconds, which is what it takes to wake a thread.
+template <class Condition>
+void wait_a_moment(Condition condition) {
+  for (int i = 0; i < 2000 && !condition(); ++i) __builtin_ia32_pause();
+}
+
 struct Job {
   int parts, threads;
   void (*part)(void* context, int i);
@@ -52,8 +59,10 @@ class Pool {
     }
     wake_.notify_all();
     work(job);
+    const auto all_done = [&] { return busy_ == 0; };
+    wait_a_moment(all_done);
     std::unique_lock<std::mutex> hold(mutex_);
-    done_.wait(hold, [&] { return busy_ == 0; });
+    done_.wait(hold, all_done);
     return true;
   }
 
@@ -69,7 +78,8 @@ class Pool {
  private:
   bool grow() {
     try {
-      threads_.emplace_back([this, i = int(threads_.size()), seen = round_] { serve(i, seen); });
+      threads_.emplace_back(
+          [this, i = int(threads_.size()), seen = round_.load()] { serve(i, seen); });
       return true;
     } catch (...) {
       return false;
@@ -82,11 +92,13 @@ class Pool {
 
   // The thread i of the pool; the caller is one more.
   void serve(int i, unsigned seen) {
+    const auto is_called = [&] { return ending_ || round_ != seen; };
     for (;;) {
       Job job;
+      wait_a_moment(is_called);
       {
         std::unique_lock<std::mutex> hold(mutex_);
-        wake_.wait(hold, [&] { return ending_ || round_ != seen; });
+        wake_.wait(hold, is_called);
         if (ending_) break;
         seen = round_;
         job = job_;
@@ -102,10 +114,9 @@ class Pool {
   std::condition_variable wake_, done_;
   std::vector<std::thread> threads_;
   Job job_{};
-  std::atomic<int> next_{0};
-  unsigned round_ = 0;
-  int busy_ = 0;
-  bool ending_ = false;
+  std::atomic<int> next_{0}, busy_{0};
+  std::atomic<unsigned> round_{0};
+  std::atomic<bool> ending_{false};
 };
 
 std::atomic<Pool*> pool{nullptr};

@@ -1,6 +1,7 @@
 #include "pdett/compute.h"
 
 #include "dft/engine/roots.h"
+#include "dft/engine/work_area.h"
 #include "pdett/steps.h"
 #include "serv/memory.h"
 
@@ -8,13 +9,22 @@ namespace jex::pdett {
 
 template <class R>
 bool make_tables(jex_int kind, jex_int n, R* par) {
-  // Angles are multiples of pi / 4n.
+  const bool rotates = kind >= dct_iv && n % 2 == 0;
+  // Angles are multiples of pi / 8n, or of pi / 4n.
   dft::Roots roots;
-  if (!roots.make(8 * uint32_t(n))) return false;
+  if (!roots.make((rotates ? 16 : 8) * uint32_t(n))) return false;
   const Tables<R> tables(par, n);
   R* const first = const_cast<R*>(tables.first);
   R* const second = const_cast<R*>(tables.second);
   R* const weights = const_cast<R*>(tables.weights);
+  if (rotates) {
+    for (jex_int j = 0; j < n / 2; ++j) {
+      const dft::Root w = roots(8 * uint32_t(j) + 1);
+      weights[j] = R(w.c);
+      weights[n / 2 + j] = R(w.s);
+    }
+    return true;
+  }
   const bool is_staggered = kind >= dct_iii_ii;
   for (jex_int j = 1; j <= (n - 1) / 2; ++j) {
     const dft::Root w = roots(uint32_t(j) * (is_staggered ? 2 : 4));
@@ -56,7 +66,7 @@ struct Line {
   R scale;
   Tables<R> tables;
   dft::Record* record;
-  R* y;  // n elements on a 16-byte boundary, apart from f or, for the first kind, f itself
+  R* y;  // n elements on a 16-byte boundary, apart from f or where the line is
 
   jex_int fourier(Side side) const {
     return run_fourier(record,
@@ -94,8 +104,25 @@ struct Line {
     return status;
   }
 
-  // Fourth kind: a transform of the second kind of weighted points, and a chain. The points of a
-  // sine transform come in reverse, so its weights do.
+  // Fourth kind of an even n: the complex transform that the real one runs on, between rotations.
+  template <Wave wave>
+  jex_int by_rotations() const {
+    using T = std::conditional_t<is_double<R>, jex_dcomplex, jex_scomplex>;
+    const dft::Kernel kernel = dft::get(*record, dft::Words<T>::forward_kernel);
+    const dft::WorkArea work(*record);
+    if (!kernel) return JEX_DFT_FAILURE;
+    if (work.is_missing(*record)) return JEX_DFT_NO_SLOT;
+    R* const x = f + (wave == Wave::sine);
+    const R *const cosines = tables.weights, *const sines = cosines + n / 2;
+    rotate_points<wave>(x, n, cosines, sines, y);
+    const jex_int status = kernel(y, y, record, work.address());
+    if (!status) rotate_frequencies<wave>(y, n, cosines, sines, scale, x);
+    f[wave == Wave::sine ? 0 : n] = 0;
+    return status;
+  }
+
+  // Fourth kind of an odd n: a transform of the second kind of weighted points, and a chain. The
+  // points of a sine transform come in reverse, so its weights do.
   template <Wave wave>
   jex_int between_points() const {
     R* const x = f + (wave == Wave::sine);
@@ -134,9 +161,9 @@ struct Line {
       case dst_iii_ii:
         return is_forward ? to_frequencies<Wave::sine>() : to_points<Wave::sine>();
       case dct_iv:
-        return between_points<Wave::cosine>();
+        return n % 2 ? between_points<Wave::cosine>() : by_rotations<Wave::cosine>();
       default:
-        return between_points<Wave::sine>();
+        return n % 2 ? between_points<Wave::sine>() : by_rotations<Wave::sine>();
     }
   }
 };
@@ -146,10 +173,12 @@ struct Line {
 template <class R>
 jex_int transform(jex_int kind, Side side, R* f, jex_int n, R scale, const R* par,
                   dft::Record* record) {
-  // The first kind can work where the line is, others reorder it. Off a 16-byte boundary the Fourier
-  // transform would make a copy of its own.
-  const bool in_place = kind <= dct_i && reinterpret_cast<uintptr_t>(f) % 16 == 0;
-  R* const y = in_place ? f : static_cast<R*>(serv::allocate(uint32_t(n) * sizeof(R), 64));
+  // The first kind can work where the line is, and so can rotations; others reorder it. Off a
+  // 16-byte boundary the Fourier transform would make a copy of its own.
+  const bool reorders = kind > dct_i && (kind < dct_iv || n % 2 != 0);
+  R* const line = f + (kind == dst_iv);
+  const bool in_place = !reorders && reinterpret_cast<uintptr_t>(line) % 16 == 0;
+  R* const y = in_place ? line : static_cast<R*>(serv::allocate(uint32_t(n) * sizeof(R), 64));
   if (!y) return JEX_DFT_NO_MEMORY;
   const jex_int status = Line<R>{f, n, scale, {par, n}, record, y}.run(kind, side);
   if (!in_place) serv::deallocate(y);

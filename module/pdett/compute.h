@@ -10,7 +10,8 @@ namespace jex::pdett {
 //
 //   kinds 0, 1        sin(j pi / n), j = 1 .. h, then cosines
 //   kinds 2 to 5      cos(k pi / 2n), k = 1 .. h, then sines
-//   kinds 4, 5 also   2 cos((2j + 1) pi / 4n), j = 0 .. n-1
+//   kinds 4, 5 also   2 cos((2j + 1) pi / 4n), j = 0 .. n-1; and of an even n, behind room for the
+//                     first two, only cos((8j + 1) pi / 8n), j = 0 .. n/2-1, then sines
 template <class R>
 struct Tables {
   const R *first, *second, *weights;

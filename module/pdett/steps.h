@@ -178,7 +178,68 @@ void turn_back(const R* f, int n, const R* c, const R* s, R* y) {
   });
 }
 
-// D(k) = C(k) + C(k-1), with D(0) = 2 C(0), gives the fourth kind in place:
+// The fourth kind of an even n as a Fourier transform of n/2 complex elements (the rotations of
+// both sides are the same): with w(j) = c(j) - i s(j) = exp(-i (8j+1) pi / 8n),
+//   z(j) = w(j) (x(2j) + i x(n-1-2j)),   C(2k) = Re w(k) Z(k),  C(n-1-2k) = -Im w(k) Z(k)
+// A sine transform is the cosine transform of the points with alternating signs, in reverse. Both
+// steps take j and n/2-1-j at once, in the places of x(2j), x(2j+1) and their mirrors.
+//
+// (H. S. Malvar, "Signal Processing with Lapped Transforms", 1992.)
+template <bool conjugates, class V>
+JEX_INLINE inline void rotate(V& re, V& im, V c, V s) {
+  const V real = re * c + im * s;
+  im = conjugates ? re * s - im * c : im * c - re * s;
+  re = real;
+}
+
+template <Wave wave, class R>
+void rotate_points(const R* x, int n, const R* c, const R* s, R* z) {
+  const auto signed_odd = [](auto v) JEX_INLINE { return wave == Wave::sine ? negated(v) : v; };
+  const int m = n / 2;
+  in_lanes<R>(m / 2, [&](auto v, int j) JEX_INLINE {
+    using V = decltype(v);
+    const int k = m - j - V::count;
+    V even, odd, high_even, high_odd;
+    load_pairs(x + 2 * j, even, odd);
+    load_pairs(x + 2 * k, high_even, high_odd);
+    V im = signed_odd(reversed(high_odd)), high_im = signed_odd(reversed(odd));
+    rotate<false>(even, im, V::load(c + j), V::load(s + j));
+    rotate<false>(high_even, high_im, V::load(c + k), V::load(s + k));
+    store_pairs(even, im, z + 2 * j);
+    store_pairs(high_even, high_im, z + 2 * k);
+  });
+  if (m % 2 == 0) return;
+  R re = x[m - 1], im = wave == Wave::sine ? -x[m] : x[m];
+  rotate<false>(re, im, c[m / 2], s[m / 2]);
+  z[m - 1] = re;
+  z[m] = im;
+}
+
+template <Wave wave, class R>
+void rotate_frequencies(const R* z, int n, const R* c, const R* s, R scale, R* f) {
+  constexpr bool is_sine = wave == Wave::sine;
+  const int m = n / 2;
+  in_lanes<R>(m / 2, [&](auto v, int j) JEX_INLINE {
+    using V = decltype(v);
+    const int k = m - j - V::count;
+    const V factor = V::all(scale);
+    V re, im, high_re, high_im;
+    load_pairs(z + 2 * j, re, im);
+    load_pairs(z + 2 * k, high_re, high_im);
+    rotate<true>(re, im, factor * V::load(c + j), factor * V::load(s + j));
+    rotate<true>(high_re, high_im, factor * V::load(c + k), factor * V::load(s + k));
+    store_pairs(is_sine ? im : re, reversed(is_sine ? high_re : high_im), f + 2 * j);
+    store_pairs(is_sine ? high_im : high_re, reversed(is_sine ? re : im), f + 2 * k);
+  });
+  if (m % 2 == 0) return;
+  R re = z[m - 1], im = z[m];
+  rotate<true>(re, im, scale * c[m / 2], scale * s[m / 2]);
+  f[m - 1] = is_sine ? im : re;
+  f[m] = is_sine ? re : im;
+}
+
+// The fourth kind of an odd n. D(k) = C(k) + C(k-1), with D(0) = 2 C(0), gives the fourth kind in
+// place:
 //   cosine:  C(k) = D(k) - C(k-1)
 //   sine:    e(k) = (-1)^k C(k) = (-1)^k D(k) + e(k-1)
 // that is, the running sum e in both cases, with the signs taken back for cosines.

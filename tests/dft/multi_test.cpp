@@ -295,8 +295,12 @@ TYPED_TEST(Multi, ComplexOfTwoToSeven) {
                           {{3, 302}},
                           {{302, 3}},
                           {{64, 300}},
+                          {{33, 32}},
+                          {{40, 256}},
+                          {{64, 512}},
                           {{4, 6, 10}},
                           {{17, 2, 33}},
+                          {{5, 32, 32}},
                           {{3, 4, 5, 2}},
                           {{2, 3, 2, 3, 2}},
                           {{2, 1, 3, 2, 2, 5}},
@@ -311,15 +315,38 @@ TYPED_TEST(Multi, ComplexOfTwoToSeven) {
 }
 
 TYPED_TEST(Multi, LinesBeyondTheBundles) {
-  for (const Shape& shape : {Shape{{2, 9000}}, Shape{{9000, 2}}, Shape{{3, 16384}}})
+  for (const Shape& shape :
+       {Shape{{3, 8192}}, Shape{{2, 9000}}, Shape{{9000, 2}}, Shape{{3, 16384}}})
     for (const bool forward : {false, true})
       this->check_complex(shape, true, false, forward, 1, 0, 1);
 }
 
+// Large results go past the caches, unless they are where the operands were.
+TYPED_TEST(Multi, LargeResultsAreThoseInPlace) {
+  using R = Part<TypeParam>;
+  constexpr jex_int n = 1022, rows = (17 << 20) / sizeof(TypeParam) / n;
+  for (const jex_int domain : {JEX_DFT_COMPLEX, JEX_DFT_REAL}) {
+    const bool is_real = domain == JEX_DFT_REAL;
+    const jex_int length = is_real ? 2 * n - 2 : n;
+    std::vector<R> x(size_t(2) * n * rows), y(x.size());
+    for (size_t i = 0; i < x.size(); ++i) x[i] = R((i * i + 3 * i) % 1009);
+    for (const bool in_place : {false, true}) {
+      Descriptor d(this->precision, domain, {length, rows});
+      d[JEX_DFT_PLACEMENT] = in_place ? JEX_DFT_IN_PLACE : JEX_DFT_NOT_IN_PLACE;
+      d[JEX_DFT_CONJUGATE_EVEN_STORAGE] = JEX_DFT_INTERLEAVED;
+      set_strides(d, JEX_DFT_INPUT_STRIDE, {1, is_real ? 2 * n : n});
+      set_strides(d, JEX_DFT_OUTPUT_STRIDE, {1, n});
+      ASSERT_EQ(d.commit(), 0);
+      ASSERT_EQ(in_place ? d.compute(true, x.data()) : d.compute(true, x.data(), y.data()), 0);
+    }
+    EXPECT_TRUE(same(x.data(), y.data(), x.size())) << "domain " << domain;
+  }
+}
+
 TYPED_TEST(Multi, RealWithComplexElements) {
-  const Shape shapes[] = {{{1, 1}},    {{2, 5}},    {{5, 2}},     {{16, 16}},  {{45, 12}},
-                          {{20, 31}},  {{302, 4}},  {{7, 302}},   {{256, 64}}, {{1, 9}},
-                          {{4, 5, 6}}, {{9, 4, 3}}, {{32, 17, 2}}};
+  const Shape shapes[] = {{{1, 1}},   {{2, 5}},    {{5, 2}},    {{16, 16}},   {{45, 12}},
+                          {{20, 31}}, {{302, 4}},  {{7, 302}},  {{256, 64}},  {{62, 32}},
+                          {{1, 9}},   {{4, 5, 6}}, {{9, 4, 3}}, {{32, 17, 2}}};
   for (const Shape& shape : shapes)
     for (const bool in_place : {false, true})
       for (const bool forward : {false, true})

@@ -130,7 +130,7 @@ int32_t add_bundles(Record& descriptor, Record& record) {
     if (plan && !make_bundle(*plan)) return fail(descriptor, engine_no_memory);
   }
   const int64_t bytes = (int64_t(get(record, work_size)) + 63) / 64 * 64 +
-                        int64_t(bundle_bytes<T>(get(record, length)));
+                        int64_t(bundle_bytes<T>(record));
   set(record, work_size, bytes > 0x7fffffc0 ? 0x7fffffc0 : int32_t(bytes));
   return JEX_DFT_SUCCESS;
 }

@@ -60,22 +60,13 @@ int32_t complex_phase(Record* first, A in, A out, int32_t index, int phase, Shar
 template <class T>
 int32_t run_real_rows(Record* first, Kernel kernel, const Real<T>* x, const Side& from, Real<T>* y,
                       const Side& to, const Grid& grid, char* work, Share share) {
-  int64_t units = 1;
-  for (int k = 1; k < grid.rank; ++k) units *= grid.n[k];
-  const int64_t end = share.end(units);
-  for (int64_t u = share.begin(units); u < end; ++u) {
-    ptrdiff_t i = 0, o = 0;
-    int64_t rest = u;
-    for (int k = 1; k < grid.rank; ++k) {
-      const int32_t at = int32_t(rest % grid.n[k]);
-      rest /= grid.n[k];
-      i += at * grid.from[k];
-      o += at * grid.to[k];
-    }
-    if (const int32_t status = run_line<T>(kernel, x + i, from, y + o, to, first, work))
-      return status;
-  }
-  return JEX_DFT_SUCCESS;
+  if (from.stride == 1 && to.stride == 1)
+    return for_result_rows<T>(
+        *first, grid, share, x, y, to.count, work,
+        [=](const Real<T>* in, Real<T>* out) { return kernel(in, out, first, work); });
+  return for_rows(grid, share, [&](ptrdiff_t i, ptrdiff_t o) {
+    return run_line<T>(kernel, x + i, from, y + o, to, first, work);
+  });
 }
 
 // Real transforms with a spectrum of complex elements, n0/2 + 1 in a row.

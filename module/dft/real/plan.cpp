@@ -27,6 +27,20 @@ const T* make_split(int32_t n, Blocks& blocks) {
   return table;
 }
 
+// Lengths that go without a plan where their arrays suit.
+template <class T>
+FixedFunction<T> half_function(int32_t n, Direction d) {
+  return n <= longest_fixed || n == longest_fixed_table ? fixed_function<T>(n, d) : nullptr;
+}
+template <class T>
+void run_half(const RealPlan<T>& plan, Direction d, const T* in, T* out, void* work,
+              Real<T> scale) {
+  if (plan.fixed[int(d)] && (sizeof(T) < 16 || is_aligned(in, out)))
+    plan.fixed[int(d)](in, out, scale);
+  else
+    run_plan<T>(*plan.complex, d, in, out, work, scale);
+}
+
 constexpr int32_t boundary = 64;
 
 template <class T>
@@ -40,6 +54,8 @@ EngineCode make_tables(RealPlan<T>& plan) {
     if (!plan.complex) return engine_null_pointer;
     plan.split = make_split<T>(n, plan.blocks);
     if (!plan.split) return engine_no_memory;
+    for (const Direction d : {Direction::forward, Direction::backward})
+      plan.fixed[int(d)] = half_function<T>(n / 2, d);
     plan.mixed_radix = plan.complex->mixed_radix;
     plan.chirp_len = plan.complex->chirp_len;
     bytes = uint32_t(plan.complex->plan_work_bytes);
@@ -79,7 +95,7 @@ void run_even(const RealPlan<T>& plan, Direction d, const Real<T>* in, Real<T>* 
   const int32_t n = plan.plan_length;
   T* const z = reinterpret_cast<T*>(out);
   if (d == Direction::forward) {
-    run_plan<T>(*plan.complex, d, reinterpret_cast<const T*>(in), z, work, 1);
+    run_half<T>(plan, d, reinterpret_cast<const T*>(in), z, work, 1);
     split_forward(z, n / 2, plan.split, scale);
     pack(out, n, format);
     return;
@@ -90,7 +106,7 @@ void run_even(const RealPlan<T>& plan, Direction d, const Real<T>* in, Real<T>* 
     in = out;
   }
   split_backward(reinterpret_cast<const T*>(in), last, z, n / 2, plan.split);
-  run_plan<T>(*plan.complex, d, z, z, work, scale);
+  run_half<T>(plan, d, z, z, work, scale);
 }
 
 // The complex transform of the numbers, or of the whole spectrum.

@@ -1,6 +1,6 @@
 // Transforms of real numbers.
 //
-//   n <= 16, some even ones to 32 a direct kernel
+//   n <= 16, some even ones to 64 a direct kernel
 //   n even                        half the length on pairs of numbers, then the split step
 //   n odd, factors up to 13       a butterfly of real columns, complex rows (odd_levels.h)
 //   other odd n up to 180         by the definition, half the sums (odd_direct.h)
@@ -30,7 +30,7 @@ template <class R, Direction d>
 const RealKernels<R>& real_kernels();
 
 // Kernels of even lengths above these, by half the length, null where there is none.
-constexpr int32_t longest_halved = 32;
+constexpr int32_t longest_halved = 64;
 template <class R>
 struct HalvedKernels {
   void (*scaled[longest_halved / 2 + 1])(const R* in, R* out, R scale);
@@ -48,6 +48,7 @@ bool is_short_real(int32_t n) {
 template <class T>
 struct OddLevels;
 
+// fixed is of half an even length.
 template <class T>
 struct RealPlan : Plan<T> {
   bool is_short;  // a direct kernel, which needs no tables

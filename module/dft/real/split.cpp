@@ -3,17 +3,6 @@
 namespace jex::dft {
 namespace {
 
-// Calls step(k, whole) for the pairs k, m - k, registers of neighbours while they last; whole is a
-// constant of the compiler. The middle, m even, is its own partner and remains.
-template <class T, class Step>
-JEX_INLINE inline void for_pairs(int32_t m, Step step) {
-  constexpr int width = Lanes<T>::count;
-  int32_t k = 1;
-  for (; k + width - 1 < m - k - (width - 1); k += width) step(k, std::true_type());
-  if (width > 1)
-    for (; k < m - k; ++k) step(k, std::false_type());
-}
-
 template <class T, bool whole>
 struct Side {
   using V = Lanes<T>;
@@ -30,37 +19,48 @@ struct Side {
   }
 };
 
+// From the pairs k, m - k of x to those of z, their even and odd parts times half: registers of
+// neighbours while they last. Pointers that walk take fewer instructions than an index. The middle,
+// m even, is its own partner and remains.
+template <class T, int sign>
+JEX_INLINE inline void combine_pairs(const T* x, T* z, int32_t m, const T* roots, Real<T> half) {
+  using V = Lanes<T>;
+  T *low = z + 1, *high = z + m - 1;
+  const uintptr_t apart = reinterpret_cast<uintptr_t>(x) - reinterpret_cast<uintptr_t>(z);
+  const auto operand = [=](T* p) JEX_INLINE {
+    return reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(p) + apart);
+  };
+  const auto combine = [&](auto whole) JEX_INLINE {
+    using S = Side<T, whole>;
+    const V a = S::load(operand(low)), b = S::load_mirrored(operand(high));
+    V odd = a - b, even = a + b;
+    if constexpr (sign > 0) even = simd::scaled(even, half), odd = simd::scaled(odd, half);
+    odd = simd::pinned(odd);  // which the compiler would put on the stack meanwhile
+    const V turned = simd::times_elements<sign>(odd, S::load(roots));
+    S::store(even + turned, low);
+    S::store_mirrored(even - turned, high);
+    constexpr int width = S::behind + 1;
+    low += width, high -= width;
+    roots += width;
+  };
+  while (low + V::count - 1 < high - (V::count - 1)) combine(std::true_type());
+  while (V::count > 1 && low < high) combine(std::false_type());
+}
+
 }  // namespace
 
 template <class T>
 void split_forward(T* z, int32_t m, const T* roots, Real<T> scale) {
-  using V = Lanes<T>;
   const T first = z[0];
   z[0] = {(first.re + first.im) * scale, (first.re - first.im) * scale};
-  const Real<T> half = scale * Real<T>(0.5);
-  for_pairs<T>(m, [&](int32_t k, auto whole) JEX_INLINE {
-    using S = Side<T, whole>;
-    const V a = S::load(z + k), b = S::load_mirrored(z + m - k);
-    const V even = simd::scaled(a + b, half), odd = simd::scaled(a - b, half);
-    const V turned = simd::times_elements<1>(odd, S::load(roots + k - 1));
-    S::store(even + turned, z + k);
-    S::store_mirrored(even - turned, z + m - k);
-  });
+  combine_pairs<T, 1>(z, z, m, roots, scale * Real<T>(0.5));
   if (m % 2 == 0) z[m / 2] = {z[m / 2].re * scale, -z[m / 2].im * scale};
 }
 
 template <class T>
 void split_backward(const T* x, Real<T> last, T* z, int32_t m, const T* roots) {
-  using V = Lanes<T>;
   const Real<T> first = x[0].re;
-  for_pairs<T>(m, [&](int32_t k, auto whole) JEX_INLINE {
-    using S = Side<T, whole>;
-    const V a = S::load(x + k), b = S::load_mirrored(x + m - k);
-    const V even = a + b;
-    const V turned = simd::times_elements<-1>(a - b, S::load(roots + k - 1));
-    S::store(even + turned, z + k);
-    S::store_mirrored(even - turned, z + m - k);
-  });
+  combine_pairs<T, -1>(x, z, m, roots, 1);
   if (m % 2 == 0) z[m / 2] = {2 * x[m / 2].re, -2 * x[m / 2].im};
   z[0] = {first + last, first - last};
 }
