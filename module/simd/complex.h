@@ -82,6 +82,11 @@ template <class T>
 [[gnu::always_inline]] inline Lanes<T> scaled(Lanes<T> a, Real<T> factor) {
   return {a.parts * Lanes<Real<T>>::all(factor)};
 }
+// i factor a
+template <class T>
+[[gnu::always_inline]] inline Lanes<T> scaled_turned(Lanes<T> a, Real<T> factor) {
+  return {swap_parts(a.parts) * Lanes<T>::all({-factor, factor}).parts};
+}
 
 // a w (sign -1) or a conj(w) (sign 1), w from a table.
 template <int sign, class T>

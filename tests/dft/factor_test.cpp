@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 using namespace jex::dft;
@@ -39,27 +40,33 @@ TEST(Factor, StagesInTheirOrder) {
 }
 
 TEST(Factor, PassesMultiplyToTheLength) {
-  for (int n = 2; n <= 5000; ++n) {
-    const Radices r = choose_radices(n, n % 2);
-    int product = 1, rest = n, largest = 1;
-    for (int i = 0; i < r.count; ++i) {
-      product *= r.radix[i];
-      if (i) {
-        EXPECT_GE(r.radix[i] % 2, r.radix[i - 1] % 2) << n;
+  for (int n = 2; n <= 5000; ++n)
+    for (const Use use : {Use::alone, Use::columns, Use::rows}) {
+      const Radices r = choose_radices(n, use);
+      int product = 1, rest = n, largest = 1;
+      for (int i = 0; i < r.count; ++i) {
+        product *= r.radix[i];
+        if (i && (use == Use::rows || (use == Use::columns && n > 256))) {
+          EXPECT_LE(r.radix[i], std::max(32, r.radix[i - 1])) << n;
+        } else if (i) {
+          EXPECT_GE(r.radix[i] % 2, r.radix[i - 1] % 2) << n;
+        }
       }
+      for (int p = 2; rest > 1; ++p)
+        while (rest % p == 0) rest /= p, largest = p;
+      ASSERT_EQ(product, largest < 150 ? n : 1) << n;
     }
-    for (int p = 2; rest > 1; ++p)
-      while (rest % p == 0) rest /= p, largest = p;
-    ASSERT_EQ(product, largest < 150 ? n : 1) << n;
-    const Radices split = choose_split_radices(n);
-    product = 1;
-    for (int i = 0; i < split.count; ++i) product *= split.radix[i];
-    ASSERT_EQ(product, split.count ? n : 1) << n;
-    EXPECT_NE(split.count, 1) << n;
-    if (n > 64) {
-      EXPECT_EQ(split.count > 0, largest == 2) << n;
-    }
-  }
+}
+
+TEST(Factor, SmallestRadixOnTheSideOfTheUser) {
+  const auto list = [](int n, Use use) {
+    const Radices r = choose_radices(n, use);
+    return std::vector<int>(r.radix, r.radix + r.count);
+  };
+  EXPECT_EQ(list(128, Use::columns), (std::vector<int>{8, 16}));
+  EXPECT_EQ(list(128, Use::rows), (std::vector<int>{16, 8}));
+  EXPECT_EQ(list(512, Use::rows), (std::vector<int>{8, 8, 8}));
+  EXPECT_EQ(list(17 * 64, Use::rows), (std::vector<int>{17, 8, 8}));
 }
 
 TEST(Factor, SplitNearTheRoot) {

@@ -99,7 +99,7 @@ int32_t compute_small(Record* record, T* in, T* out) {
   const auto* plan = static_cast<const Plan<T>*>(cache->plan);
   // The short way for short lengths: no work area.
   if (plan->fixed[int(d)] && is_aligned(in, out))
-    run_plan(*plan, d, in, out, nullptr, Real<T>(1));
+    plan->fixed[int(d)](in, out, whole_scale(*plan, d, Real<T>(1)));
   else
     run_small<T, d>(*plan, in, out);
   return JEX_DFT_SUCCESS;

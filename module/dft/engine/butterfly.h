@@ -7,26 +7,14 @@
 #pragma once
 
 #include "dft/engine/roots.h"
+#include "simd/complex.h"
 #include "simd/repeat.h"
-#include "simd/split.h"
 
 namespace jex::dft {
 
 using simd::Lanes;
 using simd::Real;
-using simd::Split;
 using simd::unrolled;
-
-// The registers of a butterfly: Dft is told an element type, whose elements stay together, or the
-// split form itself.
-template <class T>
-struct Registers {
-  using V = Lanes<T>;
-};
-template <class T>
-struct Registers<Split<T>> {
-  using V = Split<T>;
-};
 
 enum class Direction { forward, backward };
 constexpr int sign(Direction d) { return d == Direction::forward ? -1 : 1; }
@@ -38,7 +26,7 @@ constexpr int gcd(int a, int b) { return b ? gcd(b, a % b) : a; }
 // The factor taken first: 4 before the small primes; 0 for a length with a kernel of its own.
 constexpr int first_factor(int n) {
   if (n <= 4 || n == 5 || n == 7 || n == 8 || n == 11 || n == 13) return 0;
-  if (n == 16) return 4;
+  if (n == 16 || n == 32) return 4;
   if (n % 13 == 0) return 13;
   if (n % 11 == 0) return 11;
   if (n % 7 == 0) return 7;
@@ -71,7 +59,7 @@ JEX_INLINE inline auto times_constant(V a) {
 
 template <int N, Direction d, class T>
 struct Dft {
-  using V = typename Registers<T>::V;
+  using V = Lanes<T>;
 
   template <class Load, class Store>
   JEX_INLINE static void run(Load load, Store store) {
@@ -124,10 +112,9 @@ struct Dft {
     const V mean = x0 - simd::scaled(sum, Real<T>(0.25));
     const V half = simd::scaled(a1 - a2, Real<T>((w1.c - w2.c) / 2));
     const V c1 = mean + half, c2 = mean - half;
-    const auto s1 =
-        simd::turned<sign(d)>(simd::scaled(b1, Real<T>(w1.s)) + simd::scaled(b2, Real<T>(w2.s)));
-    const auto s2 =
-        simd::turned<sign(d)>(simd::scaled(b1, Real<T>(w2.s)) - simd::scaled(b2, Real<T>(w1.s)));
+    constexpr Real<T> sine1 = Real<T>(sign(d) * w1.s), sine2 = Real<T>(sign(d) * w2.s);
+    const V s1 = simd::scaled_turned(b1, sine1) + simd::scaled_turned(b2, sine2);
+    const V s2 = simd::scaled_turned(b1, sine2) - simd::scaled_turned(b2, sine1);
     store(0, x0 + sum);
     store(1, c1 + s1);
     store(4, c1 - s1);
@@ -135,19 +122,33 @@ struct Dft {
     store(3, c2 - s2);
   }
 
-  // Even and odd halves; the odd half is rotated by eighths of a turn.
+  // Columns of two, (x(j), x(j + 4)), then rows of four. The roots of the columns 1 and -1 are
+  // conjugates, so that one product with a real number serves their sum and one their difference
+  // (I. Kamar and Y. Elcherif, "Conjugate Pair Fast Fourier Transform", Electronics Letters 25,
+  // 1989).
   template <class Load, class Store>
   JEX_INLINE static void eight(Load load, Store store) {
-    V even[4], odd[4];
-    Dft<4, d, T>::run([&](int j) JEX_INLINE { return load(2 * j); },
-                      [&](int k, V y) JEX_INLINE { even[k] = y; });
-    Dft<4, d, T>::run([&](int j) JEX_INLINE { return load(2 * j + 1); },
-                      [&](int k, V y) JEX_INLINE { odd[k] = y; });
-    unrolled<4>([&](auto k) JEX_INLINE {
-      const auto y = times_constant<8, k, d, T>(odd[k]);
-      store(k, even[k] + y);
-      store(k + 4, even[k] - y);
-    });
+    constexpr Real<T> half_root = Real<T>(constant_root(1, 8).c);
+    const V x0 = load(0), x4 = load(4), a0 = x0 + x4, a1 = x0 - x4;
+    const V x1 = load(1), x5 = load(5), b0 = x1 + x5, b1 = x1 - x5;
+    const V x2 = load(2), x6 = load(6), c0 = x2 + x6;
+    const auto c1 = simd::turned<sign(d)>(x2 - x6);
+    const V x7 = load(7), x3 = load(3), d0 = x7 + x3, d1 = x7 - x3;
+    {
+      const V even = a0 + c0, odd = b0 + d0, rest = a0 - c0;
+      const auto turned = simd::turned<sign(d)>(b0 - d0);
+      store(0, even + odd);
+      store(4, even - odd);
+      store(2, rest + turned);
+      store(6, rest - turned);
+    }
+    const V p = simd::scaled(b1 + d1, half_root);
+    const V q = simd::scaled_turned(b1 - d1, sign(d) * half_root);
+    const V even = a1 + c1, plus = p + q, rest = a1 - c1, minus = q - p;
+    store(1, even + plus);
+    store(5, even - plus);
+    store(3, rest + minus);
+    store(7, rest - minus);
   }
 
   // A prime: x(j) and x(N-j) meet roots that differ in the sign of the sine alone.
@@ -165,19 +166,37 @@ struct Dft {
       sum = sum + a[j];
     });
     store(0, sum);
-    unrolled<h>([&](auto i) JEX_INLINE {
-      constexpr int k = i + 1;
-      V c = a[0], s;
-      unrolled<h>([&](auto l) JEX_INLINE {
-        constexpr int j = l + 1;
-        constexpr Root w = constant_root(j * k, N);
-        c = c + simd::scaled(a[j], Real<T>(w.c));
-        const V term = simd::scaled(b[j], Real<T>(w.s));
-        s = j == 1 ? term : s + term;
+    constexpr int together = 3;
+    unrolled<(h + together - 1) / together>([&](auto group) JEX_INLINE {
+      constexpr int first = 1 + together * group, rest = h + 1 - first;
+      constexpr int count = rest < together ? rest : together;
+      odd_results<first, count>(a, b, store);
+    });
+  }
+
+  // Results first .. first + count - 1 and their mirror images: each sum or difference is loaded
+  // once for all of them.
+  template <int first, int count, class Store>
+  JEX_INLINE static void odd_results(const V* a, const V* b, Store store) {
+    V c[count], s[count];
+    unrolled<N / 2>([&](auto l) JEX_INLINE {
+      constexpr int j = l + 1;
+      unrolled<count>([&](auto i) JEX_INLINE {
+        const V term = simd::scaled(a[j], Real<T>(constant_root(j * (first + i), N).c));
+        c[i] = simd::pinned((j == 1 ? a[0] : c[i]) + term);
       });
-      const auto turned = simd::turned<sign(d)>(s);
-      store(k, c + turned);
-      store(N - k, c - turned);
+    });
+    unrolled<N / 2>([&](auto l) JEX_INLINE {
+      constexpr int j = l + 1;
+      unrolled<count>([&](auto i) JEX_INLINE {
+        const Real<T> sine = Real<T>(sign(d) * constant_root(j * (first + i), N).s);
+        const V term = simd::scaled_turned(b[j], sine);
+        s[i] = simd::pinned(j == 1 ? term : s[i] + term);
+      });
+    });
+    unrolled<count>([&](auto i) JEX_INLINE {
+      store(first + i, c[i] + s[i]);
+      store(N - first - i, c[i] - s[i]);
     });
   }
 
@@ -206,7 +225,8 @@ struct Dft {
   JEX_INLINE static void coprime(Load load, Store store) {
     constexpr int B = N / A;
     V t[N];
-    unrolled<B>([&](auto j) JEX_INLINE {
+    unrolled<B>([&](auto first) JEX_INLINE {
+      constexpr int j = column_from<A, B>(first);
       Dft<A, d, T>::run([&](int i) JEX_INLINE { return load((B * i + A * j) % N); },
                         [&](int k, V y) JEX_INLINE { t[k * B + j] = y; });
     });
@@ -214,6 +234,14 @@ struct Dft {
       Dft<B, d, T>::run([&](int j) JEX_INLINE { return t[k * B + j]; },
                         [&](int l, V y) JEX_INLINE { store(meeting<A, B>(k, l), y); });
     });
+  }
+
+  // The j with A j = first modulo B.
+  template <int A, int B>
+  JEX_INLINE static constexpr int column_from(int first) {
+    int j = 0;
+    while (A * j % B != first) ++j;
+    return j;
   }
 
   // The index that is k modulo A and l modulo B.

@@ -6,7 +6,7 @@
 namespace jex::dft {
 namespace {
 
-constexpr int last_small = 150;
+constexpr int last_small = 150, largest_kernel_prime = 13;
 
 void exchange(Factor& a, Factor& b) {
   const Factor keep = a;
@@ -14,24 +14,31 @@ void exchange(Factor& a, Factor& b) {
   b = keep;
 }
 
-// What a pass costs for each element, in some unit: reading, multiplying by a root and storing it,
-// and its share of the butterfly. Measured on lengths up to 4096. 0 where there is no such pass.
+// What a pass costs for each element, in cycles of a clock a little slower than the processor's:
+// reading, multiplying by a root and storing it, and its share of the butterfly. Measured within
+// the first cache, both precisions together. 0 where there is no such pass.
 struct Costs {
   float radix[largest_kernel_radix + 1];
   constexpr float operator[](int r) const { return radix[r]; }
 };
-constexpr Costs pass_cost = {{0, 0, 8.0f, 8.3f, 8.0f, 9.3f, 9.5f, 11.5f, 9.0f, 10.6f, 10.9f, 17.0f,
-                              10.5f, 19.0f, 13.0f, 12.0f, 9.9f}};
-// In bundles the sixteen streams of the largest radix meet in the same places of the first cache.
-constexpr Costs bundle_cost = [] {
-  Costs costs = pass_cost;
-  costs.radix[largest_kernel_radix] = 10.5f;
+constexpr Costs pass_cost = [] {
+  Costs costs = {{0, 0, 1.25f, 1.5f, 1.65f, 2.2f, 1.95f, 2.9f, 2.05f, 3.1f, 2.7f, 4.7f, 2.5f, 5.15f,
+                  3.3f, 3.2f, 2.75f}};
+  costs.radix[20] = 3.0f;
+  costs.radix[32] = 3.2f;
   return costs;
 }();
-constexpr Costs split_cost = {{0, 0, 1.2f, 0, 1.8f, 0, 0, 0, 2.5f, 0, 0, 0, 0, 0, 0, 0, 3.2f}};
-constexpr int shortest_split = 128;
+// In bundles the streams of a power of two meet in the same places of the first cache, the more so
+// in the wide bundles of long columns.
+constexpr Costs bundle_cost(bool is_wide) {
+  Costs costs = pass_cost;
+  costs.radix[16] = is_wide ? 3.6f : 3.2f;
+  costs.radix[32] = is_wide ? 5.2f : 3.68f;
+  return costs;
+}
+constexpr int32_t longest_narrow = 256;
 
-// The cheapest list of radices, none above the one before it.
+// The cheapest list of radices: large primes, then none above the one before it.
 class Search {
  public:
   Search(int32_t n, const Costs& costs, int largest) : costs_(costs) { descend(n, largest, 0, 0); }
@@ -46,15 +53,18 @@ class Search {
       best_cost_ = cost;
       return;
     }
-    for (int r = limit; r > largest_kernel_radix; --r)
-      if (rest % r == 0 && is_prime(r)) return take(r, rest, depth, cost, 8.0f + 2.0f * r);
+    for (int r = limit; r > largest_kernel_prime; --r)
+      if (rest % r == 0 && is_prime(r)) {
+        const int next = r < largest_kernel_radix ? largest_kernel_radix : r;
+        return take(r, rest, next, depth, cost, 2.2f + 0.55f * r);
+      }
     for (int r = limit < largest_kernel_radix ? limit : largest_kernel_radix; r > 1; --r)
-      if (rest % r == 0 && costs_[r] > 0) take(r, rest, depth, cost, costs_[r]);
+      if (rest % r == 0 && costs_[r] > 0) take(r, rest, r, depth, cost, costs_[r]);
   }
-  void take(int r, int32_t rest, int depth, float cost, float more) {
+  void take(int r, int32_t rest, int limit, int depth, float cost, float more) {
     if (depth == most_factors) return;
     radix_[depth] = r;
-    descend(rest / r, r, depth + 1, cost + more);
+    descend(rest / r, limit, depth + 1, cost + more);
   }
   static bool is_prime(int r) {
     for (int d = 2; d * d <= r; ++d)
@@ -108,20 +118,22 @@ int factorise(int32_t n, Factor (&factors)[most_factors]) {
   return count;
 }
 
-Radices choose_radices(int32_t n, bool single) {
-  if (n > 1 && n <= largest_kernel_radix) return {1, {n}};
-  const Radices found = Search(n, single ? pass_cost : bundle_cost, last_small).best;
-  // Even ones first keeps the lanes of a register in use from the second pass on.
+// The distances in user memory are often large powers of two, which bring the elements of a column
+// to one place of the first cache. There the smallest radix fits best: first over columns, last
+// over rows. The last pass over the columns of a wide bundle has as many places to write to as it
+// has columns: it too wants the smallest. Odd radices come after the even ones otherwise, which
+// keeps the lanes of a register in use from the second pass on.
+Radices choose_radices(int32_t n, Use use) {
+  if (has_kernel(n)) return {1, {n}};
+  const bool is_wide = use != Use::alone && n > longest_narrow;
+  const Costs costs = use == Use::alone ? pass_cost : bundle_cost(is_wide);
+  const Radices found = Search(n, costs, last_small).best;
+  if (use == Use::rows || is_wide) return found;
   Radices ordered;
   for (int parity = 0; parity < 2; ++parity)
-    for (int i = 0; i < found.count; ++i)
+    for (int i = found.count - 1; i >= 0; --i)
       if (found.radix[i] % 2 == parity) ordered.radix[ordered.count++] = found.radix[i];
   return ordered;
-}
-
-Radices choose_split_radices(int32_t n) {
-  if (n < shortest_split || (n & (n - 1))) return {};
-  return Search(n, split_cost, largest_kernel_radix).best;
 }
 
 int32_t split_length(int32_t n) {

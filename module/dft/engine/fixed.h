@@ -16,6 +16,10 @@ using FixedFunction = void (*)(const T* in, T* out, Real<T> scale);
 
 // The functions of one element type and direction, compiled in a file of their own. Data, so that a
 // caller gets at one in a single load.
+constexpr bool has_fixed(int n) {
+  return (n >= 2 && n <= longest_fixed) || n == longest_fixed_table;
+}
+
 template <class T>
 struct FixedTable {
   FixedFunction<T> function[longest_fixed + 1];
@@ -41,14 +45,13 @@ constexpr int largest_prime(int n) {
 }
 
 // N = A B with the first pass of radix A: a large prime is the second, else both are near the
-// square root, A even if it can be.
+// square root and 16 at most, A even if it can be.
 constexpr int first_radix(int n) {
-  if (n == 40 || n == 64) return n == 40 ? 10 : 16;  // measured
   const int prime = largest_prime(n);
   if (prime > 13) return n / prime;
   int best = 1;
-  for (int a = 2; a <= largest_kernel_radix; ++a) {
-    if (n % a || n / a > largest_kernel_radix) continue;
+  for (int a = 2; a <= 16; ++a) {
+    if (n % a || n / a > 16) continue;
     const auto badness = [n](int a) {
       const int b = n / a;
       return 2 * (a > b ? a - b : b - a) + 5 * (a % 2) + (a < b);

@@ -27,7 +27,7 @@ struct Pass {
   const T* in;
   T* out;
   const Real<T>* roots;  // of p = 0, then p = 1, ..: R - 1 pairs of registers for each
-  const T* twist;        // R registers, or blocks, for each run, in the order of the loops
+  const T* twist;        // R registers for each run, in the order of the loops
   const OddTable* odd;   // of a radix without a kernel of its own
   Real<T> scale;
   int radix, p_count, q_count, c_count;
@@ -41,28 +41,10 @@ enum class Kind {
   last,     // without roots
   scaled,   // the last one, results multiplied by the scale
   twisted,  // the last one, result k of each run multiplied by an element of its own
-  // The same with split blocks between the passes: the first pass splits, the last one joins.
-  split_inner,
-  split_last,
-  split_scaled,
-  split_twisted,
-  split_entry,  // inner, from elements that are not split
-  first         // with roots, one transform: neighbours in p lie side by side, and so do results
+  first     // with roots, one transform: neighbours in p lie side by side, and so do results
 };
 
-constexpr int kinds = 10;
-constexpr bool is_split(Kind kind) {
-  return kind >= Kind::split_inner && kind <= Kind::split_entry;
-}
-constexpr bool is_inner(Kind kind) {
-  return kind == Kind::inner || kind == Kind::split_inner || kind == Kind::split_entry;
-}
-constexpr bool is_scaled(Kind kind) { return kind == Kind::scaled || kind == Kind::split_scaled; }
-constexpr bool is_twisted(Kind kind) {
-  return kind == Kind::twisted || kind == Kind::split_twisted;
-}
-// The kind with split blocks.
-constexpr Kind split(Kind kind) { return Kind(int(kind) + int(Kind::split_inner)); }
+constexpr int kinds = 5;
 
 template <class T>
 using PassFunction = void (*)(const Pass<T>&);
@@ -78,9 +60,9 @@ struct Step {
   }
 };
 
-// The elements of a butterfly, visited group by group: element j is the (j / groups)-th of group
-// j % groups. One pointer goes from group to group; the elements of a group, four at most, have
-// addresses beside it. With groups = 0 each place is found from the start.
+// The elements of a butterfly, visited group by group upwards: element j is the (j / groups)-th of
+// group j % groups. One pointer goes from group to group; four elements have addresses beside it,
+// and four more beside the fifth.
 template <int groups, class T>
 struct Walk {
   const char* at;
@@ -88,72 +70,52 @@ struct Walk {
   int group = 0;
 
   JEX_INLINE T* operator()(int j) {
-    if constexpr (groups == 0) return place(at + j * step.one);
     for (; group < j % groups; ++group) at = simd::pinned(at + step.one);
-    const int i = j / groups;
-    return place(at + (i == 3 ? step.group3 : i * step.group));
+    const int i = j / groups, near = i % 4;
+    return place(at + i / 4 * 4 * step.group + (near == 3 ? step.group3 : near * step.group));
   }
   JEX_INLINE static T* place(const char* p) { return reinterpret_cast<T*>(const_cast<char*>(p)); }
 };
 
+// A butterfly reads columns whose elements are a fixed distance apart, and writes such rows.
 constexpr int load_groups(int radix) {
-  return radix == 16 ? 4 : radix == 9 ? 3 : radix == 8 ? 2 : radix <= 4 ? 1 : 0;
+  return radix == 8 ? 4 : first_factor(radix) ? radix / first_factor(radix) : 1;
 }
-constexpr int store_groups(int radix) { return radix == 8 ? 4 : load_groups(radix); }
-
-// The elements of a run; without whole, the first of a register.
-template <Kind kind, bool whole, class T>
-JEX_INLINE inline auto load_run(const T* p) {
-  if constexpr (kind == Kind::split_entry)
-    return simd::split_elements(p);
-  else if constexpr (is_split(kind))
-    return simd::load_block(p);
-  else if constexpr (whole)
-    return simd::load_elements(p);
-  else
-    return simd::load_element(p);
-}
-template <Kind kind, bool whole, class T, class V>
-JEX_INLINE inline void store_run(V y, T* p, ptrdiff_t out_c) {
-  if constexpr (kind == Kind::split_twisted)
-    simd::scatter_elements(y, p, out_c);
-  else if constexpr (kind == Kind::split_last || kind == Kind::split_scaled)
-    simd::join_elements(y, p);
-  else if constexpr (is_split(kind))
-    simd::store_block(y, p);
-  else if constexpr (!whole)
-    simd::store_element(y, p);
-  else if constexpr (kind == Kind::twisted)
-    simd::scatter_elements(y, p, out_c);
-  else
-    simd::store_elements(y, p);
+constexpr int store_groups(int radix) {
+  return radix == 8 ? 2 : first_factor(radix) ? first_factor(radix) : 1;
 }
 
 template <int R, Direction d, Kind kind, bool whole, class T>
 [[gnu::always_inline]] inline void butterfly(const T* in, const Step& in_step, T* out,
                                              const Step& out_step, ptrdiff_t out_c,
                                              const Real<T>* roots, const T* twist, Real<T> scale) {
-  using Type = std::conditional_t<is_split(kind), Split<T>, T>;
-  using V = typename Registers<Type>::V;
+  using V = Lanes<T>;
   Walk<load_groups(R), const T> from{reinterpret_cast<const char*>(in), in_step};
   Walk<store_groups(R), T> to{reinterpret_cast<const char*>(out), out_step};
-  const auto load = [&](int j) JEX_INLINE { return load_run<kind, whole>(from(j)); };
+  // Without whole, the first element of a register.
+  const auto load = [&](int j) JEX_INLINE {
+    return whole ? simd::load_elements(from(j)) : simd::load_element(from(j));
+  };
   const auto store = [&](int k, V y) JEX_INLINE {
-    if constexpr (is_inner(kind))
+    if constexpr (kind == Kind::inner)
       if (k > 0) y = simd::times_root<sign(d)>(y, roots + (k - 1) * 2 * Lanes<Real<T>>::count);
-    if constexpr (is_scaled(kind)) y = simd::scaled(y, scale);
+    if constexpr (kind == Kind::scaled) y = simd::scaled(y, scale);
     if constexpr (kind == Kind::twisted)
       y = simd::times_elements<-sign(d)>(y, simd::load_elements(twist + k * V::count));
-    if constexpr (kind == Kind::split_twisted)
-      y = simd::times_root<sign(d)>(y, &twist[k * V::count].re);
-    store_run<kind, whole>(y, to(k), out_c);
+    T* const p = to(k);
+    if constexpr (!whole)
+      simd::store_element(y, p);
+    else if constexpr (kind == Kind::twisted)
+      simd::scatter_elements(y, p, out_c);
+    else
+      simd::store_elements(y, p);
   };
-  Dft<R, d, Type>::run(load, store);
+  Dft<R, d, T>::run(load, store);
 }
 
 template <int R, Direction d, Kind kind, class T>
 void run_pass(const Pass<T>& pass) {
-  constexpr int width = is_split(kind) ? Split<T>::count : Lanes<T>::count;
+  constexpr int width = Lanes<T>::count;
   const Pass<T> a = pass;
   const Step in_step = Step::of(a.in_k, load_groups(R), a.in);
   const Step out_step = Step::of(a.out_k, store_groups(R), a.out);
@@ -164,15 +126,14 @@ void run_pass(const Pass<T>& pass) {
       const T* in = a.in + p * a.in_p + q * a.in_q;
       T* out = a.out + p * a.out_p + q * a.out_q;
       int c = a.c_count;
-      const ptrdiff_t out_next = is_twisted(kind) ? a.out_c * width : width;
+      const ptrdiff_t out_next = kind == Kind::twisted ? a.out_c * width : width;
       for (; c >= width; c -= width, in += width, out += out_next) {
         butterfly<R, d, kind, true>(in, in_step, out, out_step, a.out_c, roots, twist, a.scale);
-        if (is_twisted(kind)) twist += R * width;
+        if (kind == Kind::twisted) twist += R * width;
       }
-      // Runs of split passes are whole blocks.
-      if (width > 1 && !is_split(kind) && c) {
+      if (width > 1 && c) {
         butterfly<R, d, kind, false>(in, in_step, out, out_step, a.out_c, roots, twist, a.scale);
-        if (is_twisted(kind)) twist += R * width;
+        if (kind == Kind::twisted) twist += R * width;
       }
     }
     roots += (R - 1) * 2 * Lanes<Real<T>>::count;
@@ -211,16 +172,22 @@ void run_first(const Pass<T>& pass) {
   }
 }
 
-// The function of a pass; null for a radix without a kernel of its own.
+// Radices with kernels of their own.
+constexpr int largest_kernel_radix = 32;
+constexpr bool has_kernel(int radix) {
+  return radix >= 2 && (radix <= 16 || radix == 20 || radix == 32);
+}
+
+// The functions of a radix, by kind.
 template <class T>
-PassFunction<T> pass_function(int radix, Direction d, Kind kind);
+struct PassKinds {
+  PassFunction<T> function[kinds];
+};
+template <class T>
+const PassKinds<T>* pass_kinds(int radix, Direction d);
 
 // A pass of any odd radix up to 149, roots and scale where they are given.
 template <class T>
 void run_odd_pass(const Pass<T>& pass, Direction d, Kind kind);
-
-constexpr int largest_kernel_radix = 16;
-// Powers of two go through split blocks.
-constexpr bool has_split_radix(int radix) { return (radix & (radix - 1)) == 0; }
 
 }  // namespace jex::dft

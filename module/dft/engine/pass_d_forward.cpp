@@ -2,7 +2,8 @@
 
 namespace jex::dft {
 
-template const PassFunction<jex_dcomplex> (
-    &pass_table<jex_dcomplex, Direction::forward>())[kinds][17];
+template <>
+constinit const PassTable<jex_dcomplex> PassTables<jex_dcomplex, Direction::forward>::table =
+    make_pass_table<jex_dcomplex, Direction::forward>();
 
 }  // namespace jex::dft

@@ -2,7 +2,8 @@
 
 namespace jex::dft {
 
-template const PassFunction<jex_scomplex> (
-    &pass_table<jex_scomplex, Direction::backward>())[kinds][17];
+template <>
+constinit const PassTable<jex_scomplex> PassTables<jex_scomplex, Direction::backward>::table =
+    make_pass_table<jex_scomplex, Direction::backward>();
 
 }  // namespace jex::dft

@@ -51,7 +51,7 @@ template <class T>
 EngineCode make_tables(Plan<T>& plan) {
   const int32_t n = plan.plan_length;
   for (const Direction d : {Direction::forward, Direction::backward})
-    if (n > 1 && n <= longest_fixed) plan.fixed[int(d)] = fixed_function<T>(n, d);
+    if (has_fixed(n)) plan.fixed[int(d)] = fixed_function<T>(n, d);
   if (n < shortest_planned) {
     make_transform(plan.transform, n, plan.blocks);
     return engine_success;
@@ -104,7 +104,7 @@ EngineCode create_plan(Plan<T>** out, int32_t n, int32_t mode, int32_t hint) {
 template <class T>
 bool make_bundle(Plan<T>& plan) {
   if (plan.plan_length < 2 || plan.chirp_len) return true;
-  return make_bundle_passes(plan.bundle, plan.plan_length, 1, plan.blocks);
+  return make_passes(plan.bundle, plan.plan_length, Use::columns, plan.blocks);
 }
 
 template <class T>
@@ -156,8 +156,7 @@ template <class T>
 
 template <class T>
 void run_plan(const Plan<T>& plan, Direction d, const T* in, T* out, void* work, Real<T> scale) {
-  if (d == Direction::forward ? plan.fwd_scaled : plan.bwd_scaled)
-    scale = Real<T>(scale * plan.plan_scale);
+  scale = whole_scale(plan, d, scale);
   const bool fits = alignof_kernels<T> < 16 || is_aligned(in, out);
   if (plan.fixed[int(d)] && fits) return plan.fixed[int(d)](in, out, scale);
   const int32_t n = plan.plan_length;

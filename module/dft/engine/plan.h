@@ -67,6 +67,13 @@ constexpr uint32_t copy_bytes(int32_t n) {
   return n > longest_direct ? (uint32_t(n) * sizeof(T) + 63) / 64 * 64 : 0;
 }
 
+// scale times the plan's own scaling.
+template <class T>
+inline Real<T> whole_scale(const Plan<T>& plan, Direction d, Real<T> scale) {
+  const bool is_scaled = d == Direction::forward ? plan.fwd_scaled : plan.bwd_scaled;
+  return is_scaled ? Real<T>(scale * plan.plan_scale) : scale;
+}
+
 // y := scale times the transform of x; unit strides, in place or not, any alignment. work is the
 // work area, the copy included; on a 64-byte boundary. The plan's own scaling comes on top.
 template <class T>

@@ -19,17 +19,25 @@ namespace jex::dft {
 
 template <class T>
 struct Stage {
-  int radix, before, rest;  // R, s, m of a pass
+  int radix, before, rest;         // R, s, m of a pass
+  const PassKinds<T>* kernels[2];  // by direction; null for a radix without
   const Real<T>* roots;
   OddTable odd;
 };
+
+template <class T>
+inline void run_stage(const Stage<T>& stage, Direction d, Kind kind, const Pass<T>& pass) {
+  if (const PassKinds<T>* const kernels = stage.kernels[int(d)])
+    kernels->function[int(kind)](pass);
+  else
+    run_odd_pass(pass, d, kind);
+}
 
 // Passes for bundles of any width, or for one transform.
 template <class T>
 struct Passes {
   int length, count;
   bool has_first;  // the first pass is of that kind
-  bool is_split;   // with split blocks between the passes
   Stage<T> stages[most_factors];
 };
 
@@ -57,10 +65,9 @@ constexpr int bundle_for(int longer) {
 // them.
 enum class TwistOrder { rows, passes };
 
-// Passes for n, for bundles whose widths are multiples of what width is one of; false when there is
-// no memory.
+// Passes for n; false when there is no memory.
 template <class T>
-bool make_bundle_passes(Passes<T>& passes, int32_t n, int32_t width, Blocks& blocks);
+bool make_passes(Passes<T>& passes, int32_t n, Use use, Blocks& blocks);
 
 // Tables for n, or for n1 n2 as two levels, from blocks. The record is zero before. False when
 // there is no memory.
@@ -69,7 +76,7 @@ bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder ord
 template <class T>
 bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks);
 
-// Elements of a bundle: element c of index j is at base[j * step + c], or in the block there.
+// Elements of a bundle: element c of index j is at base[j * step + c].
 template <class E>
 struct View {
   E* base;

@@ -13,14 +13,9 @@ constexpr int32_t one_level = 49152 / sizeof(T);
 template <class T>
 constexpr int lanes = Lanes<Real<T>>::count;
 
-// The root of an element of a register pair, or of a block.
+// The root of an element of a register pair.
 template <class T>
-void put_root(Real<T>* pair, bool split, int element, Root w) {
-  if (split) {
-    pair[element] = Real<T>(w.c);
-    pair[lanes<T> + element] = Real<T>(w.s);
-    return;
-  }
+void put_root(Real<T>* pair, int element, Root w) {
   for (int part = 0; part < 2; ++part) {
     pair[2 * element + part] = Real<T>(w.c);
     pair[lanes<T> + 2 * element + part] = Real<T>(part ? -w.s : w.s);
@@ -28,9 +23,9 @@ void put_root(Real<T>* pair, bool split, int element, Root w) {
 }
 
 template <class T>
-const Real<T>* make_roots(const Stage<T>& stage, bool is_first, bool split, const Roots& roots,
+const Real<T>* make_roots(const Stage<T>& stage, bool is_first, const Roots& roots,
                           Blocks& blocks) {
-  const int elements = split ? Split<T>::count : Lanes<T>::count;
+  constexpr int elements = Lanes<T>::count;
   const int width = is_first ? elements : 1;
   const int groups = (stage.rest + width - 1) / width;
   auto* table = blocks.take<Real<T>>(uint32_t(groups) * uint32_t(stage.radix - 1) * 2 * lanes<T>);
@@ -41,7 +36,7 @@ const Real<T>* make_roots(const Stage<T>& stage, bool is_first, bool split, cons
       for (int element = 0; element < elements; ++element) {
         int p = group * width + (is_first ? element : 0);
         if (p >= stage.rest) p = 0;
-        put_root<T>(pair, split, element, roots(uint32_t(p) * k * stage.before));
+        put_root<T>(pair, element, roots(uint32_t(p) * k * stage.before));
       }
   return table;
 }
@@ -67,35 +62,6 @@ bool make_odd_table(OddTable& odd, int radix, Blocks& blocks) {
 }
 
 template <class T>
-bool make_passes(Passes<T>& passes, int32_t n, bool single, bool split, Blocks& blocks) {
-  const Radices radices = split ? choose_split_radices(n) : choose_radices(n, single);
-  passes.is_split = split;
-  passes.length = n;
-  passes.count = radices.count;
-  Roots roots;
-  if (radices.count > 1 && !roots.make(n)) return false;
-  int32_t before = 1;
-  for (int i = 0; i < radices.count; ++i) {
-    Stage<T>& stage = passes.stages[i];
-    stage.radix = radices.radix[i];
-    stage.before = before;
-    before *= stage.radix;
-    stage.rest = n / before;
-    const bool is_first = single && i == 0 && stage.rest > 1 && stage.radix <= largest_kernel_radix;
-    if (is_first) passes.has_first = true;
-    if (stage.rest > 1) {
-      stage.roots = make_roots<T>(stage, is_first, split, roots, blocks);
-      if (!stage.roots) return false;
-    }
-    if (stage.radix <= largest_kernel_radix) continue;
-    for (int j = 0; j < i; ++j)
-      if (passes.stages[j].radix == stage.radix) stage.odd = passes.stages[j].odd;
-    if (!stage.odd.roots && !make_odd_table<T>(stage.odd, stage.radix, blocks)) return false;
-  }
-  return true;
-}
-
-template <class T>
 T element_of(Root w) {
   return {Real<T>(w.c), Real<T>(-w.s)};
 }
@@ -111,12 +77,10 @@ bool make_twist_by_rows(Transform<T>& transform, const Roots& roots, Blocks& blo
   return true;
 }
 
-// In each bundle of columns, for each q, for each register or block of columns: results q + s k in
-// turn.
+// In each bundle of columns, for each q, for each register of columns: results q + s k in turn.
 template <class T>
 bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& blocks) {
-  const bool split = transform.columns.is_split;
-  const int lane_count = split ? Split<T>::count : Lanes<T>::count;
+  constexpr int lane_count = Lanes<T>::count;
   const int n1 = transform.columns.length, n2 = transform.rows.length;
   const Stage<T>& last = transform.columns.stages[transform.columns.count - 1];
   T* twist = blocks.take<T>(uint32_t(n1) * rounded_width<T>(n2));
@@ -128,13 +92,8 @@ bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& b
     for (int q = 0; q < last.before; ++q)
       for (int c = first; c < end; c += lane_count)
         for (int k = 0; k < last.radix; ++k, twist += lane_count)
-          for (int e = 0; e < lane_count && c + e < end; ++e) {
-            const Root w = roots(uint32_t(q + last.before * k) * (c + e));
-            if (split)
-              put_root<T>(&twist->re, true, e, w);
-            else
-              twist[e] = element_of<T>(w);
-          }
+          for (int e = 0; e < lane_count && c + e < end; ++e)
+            twist[e] = element_of<T>(roots(uint32_t(q + last.before * k) * (c + e)));
   }
   return true;
 }
@@ -142,9 +101,35 @@ bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& b
 }  // namespace
 
 template <class T>
-bool make_bundle_passes(Passes<T>& passes, int32_t n, int32_t width, Blocks& blocks) {
-  const bool split = width % Split<T>::count == 0 && choose_split_radices(n).count;
-  return make_passes(passes, n, false, split, blocks);
+bool make_passes(Passes<T>& passes, int32_t n, Use use, Blocks& blocks) {
+  const Radices radices = choose_radices(n, use);
+  passes.length = n;
+  passes.count = radices.count;
+  Roots roots;
+  if (radices.count > 1 && !roots.make(n)) return false;
+  int32_t before = 1;
+  for (int i = 0; i < radices.count; ++i) {
+    Stage<T>& stage = passes.stages[i];
+    stage.radix = radices.radix[i];
+    stage.before = before;
+    before *= stage.radix;
+    stage.rest = n / before;
+    const bool is_first = use == Use::alone && i == 0 && stage.rest > 1 && has_kernel(stage.radix);
+    if (is_first) passes.has_first = true;
+    if (stage.rest > 1) {
+      stage.roots = make_roots<T>(stage, is_first, roots, blocks);
+      if (!stage.roots) return false;
+    }
+    if (has_kernel(stage.radix)) {
+      for (const Direction d : {Direction::forward, Direction::backward})
+        stage.kernels[int(d)] = pass_kinds<T>(stage.radix, d);
+      continue;
+    }
+    for (int j = 0; j < i; ++j)
+      if (passes.stages[j].radix == stage.radix) stage.odd = passes.stages[j].odd;
+    if (!stage.odd.roots && !make_odd_table<T>(stage.odd, stage.radix, blocks)) return false;
+  }
+  return true;
 }
 
 template <class T>
@@ -154,11 +139,12 @@ bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder ord
   transform.has_rows = true;
   transform.bundle = bundle_for<T>(n1 > n2 ? n1 : n2);
   Roots roots;
-  if (!make_bundle_passes(transform.columns, n1, n2, blocks) || !roots.make(n1 * n2)) return false;
+  if (!make_passes(transform.columns, n1, Use::columns, blocks) || !roots.make(n1 * n2))
+    return false;
   if (order == TwistOrder::rows)
-    return make_passes(transform.rows, n2, false, false, blocks) &&
+    return make_passes(transform.rows, n2, Use::rows, blocks) &&
            make_twist_by_rows(transform, roots, blocks);
-  return make_bundle_passes(transform.rows, n2, n1, blocks) &&
+  return make_passes(transform.rows, n2, Use::rows, blocks) &&
          make_twist_by_passes(transform, roots, blocks);
 }
 
@@ -168,11 +154,11 @@ bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks) {
   if (columns >= narrow_bundle<T>)
     return make_levels(transform, columns, n / columns, TwistOrder::passes, blocks);
   transform.length = n;
-  return make_passes(transform.columns, n, true, false, blocks);
+  return make_passes(transform.columns, n, Use::alone, blocks);
 }
 
-template bool make_bundle_passes(Passes<jex_dcomplex>&, int32_t, int32_t, Blocks&);
-template bool make_bundle_passes(Passes<jex_scomplex>&, int32_t, int32_t, Blocks&);
+template bool make_passes(Passes<jex_dcomplex>&, int32_t, Use, Blocks&);
+template bool make_passes(Passes<jex_scomplex>&, int32_t, Use, Blocks&);
 template bool make_levels(Transform<jex_dcomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
 template bool make_levels(Transform<jex_scomplex>&, int32_t, int32_t, TwistOrder, Blocks&);
 template bool make_transform(Transform<jex_dcomplex>&, int32_t, Blocks&);

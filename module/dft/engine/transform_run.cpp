@@ -11,6 +11,11 @@ constexpr int row_step(int n) {
   return n + 128 / int(sizeof(T));
 }
 
+// The second of two buffers begins half a page off, so that a pass which reads one and writes the
+// other finds its streams in different places of the first cache.
+template <class T>
+constexpr int stagger = 2048 / int(sizeof(T));
+
 template <class T>
 void run_stage(const Stage<T>& stage, Direction d, Kind kind, Real<T> scale, const Twist<T>* twist,
                View<const T> in, View<T> out, int width) {
@@ -36,10 +41,7 @@ void run_stage(const Stage<T>& stage, Direction d, Kind kind, Real<T> scale, con
     pass.c_count *= pass.q_count;
     pass.q_count = 1;
   }
-  if (stage.radix <= largest_kernel_radix)
-    pass_function<T>(stage.radix, d, kind)(pass);
-  else
-    run_odd_pass(pass, d, kind);
+  run_stage(stage, d, kind, pass);
 }
 
 }  // namespace
@@ -50,8 +52,7 @@ void run_passes(const Passes<T>& passes, Direction d, Real<T> scale, View<const 
   const Kind last_kind = twist ? Kind::twisted : scale == 1 ? Kind::last : Kind::scaled;
   for (int i = 0; i < passes.count; ++i) {
     const bool is_last = i == passes.count - 1;
-    Kind kind = is_last ? last_kind : i == 0 && passes.has_first ? Kind::first : Kind::inner;
-    if (passes.is_split) kind = i == 0 ? Kind::split_entry : split(kind);
+    const Kind kind = is_last ? last_kind : i == 0 && passes.has_first ? Kind::first : Kind::inner;
     const View<T> to = is_last ? out : View<T>{buffers[i % 2], width};
     run_stage(passes.stages[i], d, kind, scale, twist, in, to, width);
     in = {to.base, to.step};
@@ -102,7 +103,7 @@ void run_level(const Transform<T>& transform, Direction d, int level, int part, 
                const T* in, T* out, T* matrix, T* scratch, Real<T> scale) {
   const int n1 = transform.columns.length, n2 = transform.rows.length;
   T* const first = scratch + matrix_elements(transform);
-  T* const buffers[2] = {first, first + (n1 > n2 ? n1 : n2) * transform.bundle};
+  T* const buffers[2] = {first, first + (n1 > n2 ? n1 : n2) * transform.bundle + stagger<T>};
   const int count = bundles(transform, level == 0 ? n2 : n1);
   const int begin = int(int64_t(count) * part / parts),
             end = int(int64_t(count) * (part + 1) / parts);
@@ -127,7 +128,7 @@ template <class T>
 uint32_t scratch_elements(const Transform<T>& transform) {
   const uint32_t n1 = transform.columns.length, n2 = transform.rows.length;
   if (!transform.has_rows) return transform.columns.count > 1 ? transform.length : 0;
-  return matrix_elements(transform) + 2 * transform.bundle * (n1 > n2 ? n1 : n2);
+  return matrix_elements(transform) + 2 * transform.bundle * (n1 > n2 ? n1 : n2) + stagger<T>;
 }
 
 template <class T>

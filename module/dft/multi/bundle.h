@@ -99,10 +99,21 @@ void copy_out(const T* from, ptrdiff_t step, ptrdiff_t across, A y, const Line<T
 }
 
 // A length that lines side by side take in one pass where the engine has two, on rows that need no
-// copies; in and out are the same or apart.
+// copies.
 constexpr int32_t wide_radix = 32;
 template <class T>
-void run_wide_pass(Direction d, Real<T> scale, View<const T> in, View<T> out, int width);
+void run_wide_pass(Direction d, Real<T> scale, View<const T> in, View<T> out, int width) {
+  Pass<T> pass{};
+  pass.in = in.base;
+  pass.in_k = in.step;
+  pass.out = out.base;
+  pass.out_k = out.step;
+  pass.scale = scale;
+  pass.p_count = pass.q_count = 1;
+  pass.c_count = width;
+  const Kind kind = scale == 1 ? Kind::last : Kind::scaled;
+  pass_kinds<T>(wide_radix, d)->function[int(kind)](pass);
+}
 
 // Passes in two steps, as even as their radices allow.
 template <class T>
@@ -120,7 +131,7 @@ class Steps {
     }
     other_.length = blocks;
     other_.count = passes.count - first_;
-    other_.has_first = other_.is_split = false;
+    other_.has_first = false;
     for (int i = 0; i < other_.count; ++i) {
       other_.stages[i] = passes.stages[first_ + i];
       other_.stages[i].before /= block;
@@ -190,10 +201,7 @@ class Steps {
         pass.in = from.base + ptrdiff_t(p) * stage.before * from.step;
         pass.out = next + ptrdiff_t(p) * stage.radix * pass.c_count;
         pass.roots = stage.roots + (b + blocks * p) * (stage.radix - 1) * root_numbers;
-        if (stage.radix <= largest_kernel_radix)
-          pass_function<T>(stage.radix, d, Kind::inner)(pass);
-        else
-          run_odd_pass(pass, d, Kind::inner);
+        run_stage(stage, d, Kind::inner, pass);
       }
       from = {next, width};
     }

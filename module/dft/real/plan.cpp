@@ -30,7 +30,7 @@ const T* make_split(int32_t n, Blocks& blocks) {
 // Lengths that go without a plan where their arrays suit.
 template <class T>
 FixedFunction<T> half_function(int32_t n, Direction d) {
-  return n <= longest_fixed || n == longest_fixed_table ? fixed_function<T>(n, d) : nullptr;
+  return has_fixed(n) ? fixed_function<T>(n, d) : nullptr;
 }
 template <class T>
 void run_half(const RealPlan<T>& plan, Direction d, const T* in, T* out, void* work,
