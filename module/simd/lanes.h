@@ -336,11 +336,6 @@ template <class T>
   a.store_first(p);
 }
 
-// Asks for the cache line of an address, which need not be readable.
-[[gnu::always_inline]] inline void prefetch(const void* p) {
-  _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0);
-}
-
 // An address or a distance that is kept as it is, not rewritten into sums of others.
 template <class T>
 requires std::is_scalar_v<T>

@@ -1,12 +1,15 @@
-// Asking for cache lines of the second level. Those of the first are asked for by prefetch().
+// Asking for the cache line of an address, which need not be readable.
 #pragma once
 
-#include "simd/lanes.h"
+#include <xmmintrin.h>
 
 namespace jex::simd {
 
-// Asks for the cache line of an address, which need not be readable, no nearer than the second
-// level.
+[[gnu::always_inline]] inline void prefetch(const void* p) {
+  _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0);
+}
+
+// No nearer than the second level.
 [[gnu::always_inline]] inline void prefetch_far(const void* p) {
   _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1);
 }

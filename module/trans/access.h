@@ -3,6 +3,7 @@
 // and name the lines of a register block by their number r.
 #pragma once
 
+#include "simd/prefetch.h"
 #include "trans/scale.h"
 
 #include <stddef.h>

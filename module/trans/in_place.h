@@ -2,6 +2,7 @@
 #pragma once
 
 #include "blas/level1/streams.h"
+#include "simd/prefetch.h"
 #include "trans/transpose.h"
 
 #include <stdint.h>

@@ -3,6 +3,7 @@
 
 #include "blas/gemm/pack.h"
 #include "blas/gemm/tile.h"
+#include "simd/prefetch.h"
 
 namespace jex::blas {
 

@@ -11,6 +11,7 @@
 
 #include "blas/level1/sums.h"
 #include "blas/level1/scalar.h"
+#include "simd/prefetch.h"
 
 #include <algorithm>
 #include <stddef.h>

@@ -3,6 +3,7 @@
 
 #include "blas/level1/dot.h"
 #include "blas/level2/gemv_real.h"
+#include "simd/prefetch.h"
 
 namespace jex::blas {
 

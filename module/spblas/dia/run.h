@@ -10,6 +10,7 @@
 
 #include "blas/level1/scalar.h"
 #include "simd/complex.h"
+#include "simd/prefetch.h"
 #include "simd/repeat.h"
 
 #include <algorithm>
