@@ -52,15 +52,25 @@ struct Routine {
   }
 };
 
+/// gemv, and sbmv and hbmv: a size or a width behind n, and the leading dimension of A.
 template <class T>
-void gemv(const Routine& r, const Entry& entry, Operands& v, long calls) {
+void sized_product(const Routine& r, const Entry& entry, Operands& v, const jex_int& size,
+                   const jex_int& lda, long calls) {
   static const T half = real<T>(0.5);
   auto* f =
       entry
           .as<void(const char*, const jex_int*, const jex_int*, const T*, const void*,
                    const jex_int*, const void*, const jex_int*, const T*, void*, const jex_int*)>();
   for (; calls > 0; --calls)
-    f(r.options, &v.n, &v.n, &half, v.a, &v.n, v.x, &one, &half, v.y, &one);
+    f(r.options, &v.n, &size, &half, v.a, &lda, v.x, &one, &half, v.y, &one);
+}
+template <class T>
+void gemv(const Routine& r, const Entry& entry, Operands& v, long calls) {
+  sized_product<T>(r, entry, v, v.n, v.n, calls);
+}
+template <class T>
+void sbmv(const Routine& r, const Entry& entry, Operands& v, long calls) {
+  sized_product<T>(r, entry, v, beside, band_ld, calls);
 }
 
 /// symv and hemv.
@@ -70,18 +80,6 @@ void symv(const Routine& r, const Entry& entry, Operands& v, long calls) {
   auto* f = entry.as<void(const char*, const jex_int*, const T*, const void*, const jex_int*,
                           const void*, const jex_int*, const T*, void*, const jex_int*)>();
   for (; calls > 0; --calls) f(r.options, &v.n, &half, v.a, &v.n, v.x, &one, &half, v.y, &one);
-}
-
-/// sbmv and hbmv.
-template <class T>
-void sbmv(const Routine& r, const Entry& entry, Operands& v, long calls) {
-  static const T half = real<T>(0.5);
-  auto* f =
-      entry
-          .as<void(const char*, const jex_int*, const jex_int*, const T*, const void*,
-                   const jex_int*, const void*, const jex_int*, const T*, void*, const jex_int*)>();
-  for (; calls > 0; --calls)
-    f(r.options, &v.n, &beside, &half, v.a, &band_ld, v.x, &one, &half, v.y, &one);
 }
 
 /// spmv and hpmv.

@@ -7,14 +7,14 @@
 
 namespace jex::blas {
 
-// sum[k] += x[p] factor(p, k) for the unknowns p of `rows` whole groups.
+// sum[k] := the sum of x[p] factor(p, k) over the unknowns p of whole groups.
 template <class T>
-[[gnu::always_inline]] inline void add_rows(Lanes<Real<T>> (&sum)[real_columns], const Real<T>* x,
+[[gnu::always_inline]] inline void sum_rows(Lanes<Real<T>> (&sum)[real_columns], const Real<T>* x,
                                             const Real<T>* factors, int groups) {
   using L = Lanes<Real<T>>;
   constexpr int width = group_columns<T>;
   Lanes<Real<T>> s[real_columns];
-  unrolled<real_columns>([&](auto k) __attribute__((always_inline)) { s[k] = pinned(sum[k]); });
+  unrolled<real_columns>([&](auto k) __attribute__((always_inline)) { s[k] = pinned(L::zero()); });
   for (; groups > 0; --groups)
     unrolled<width>([&](auto) __attribute__((always_inline)) {
       const L lane = pinned(L::load_aligned(x));
@@ -79,8 +79,7 @@ struct SolveLane {
   [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* rows, int g) {
     constexpr int width = group_columns<T>, row = group_row<T>;
     Lanes<Real<T>> sum[real_columns];
-    unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
-    add_rows<T>(sum, x, rows, g);
+    sum_rows<T>(sum, x, rows, g);
     Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
     const Real<T>* const corner = rows + g * width * row;
     Lanes<T> v[width];
@@ -115,8 +114,7 @@ struct MultiplyLane {
   [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* rows, int g) {
     constexpr int width = group_columns<T>, row = group_row<T>;
     Lanes<Real<T>> sum[real_columns];
-    unrolled<real_columns>([&](auto k) { sum[k] = Lanes<Real<T>>::zero(); });
-    add_rows<T>(sum, x, rows, g);
+    sum_rows<T>(sum, x, rows, g);
     Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
     const Real<T>* const corner = rows + g * width * row;
     Lanes<T> v[width];
