@@ -127,14 +127,15 @@ TEST(Size, ChangesTheProblem) {
 class Terminal {
  public:
   Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
-    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) std::abort();
-    stream_ = std::fopen(ptsname(master_), "w");
-    if (!stream_) std::abort();
+    if (master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0)
+      stream_ = std::fopen(ptsname(master_), "w");
   }
   ~Terminal() {
-    std::fclose(stream_);
-    close(master_);
+    if (stream_) std::fclose(stream_);
+    if (master_ >= 0) close(master_);
   }
+  // Containers without /dev/pts have none.
+  bool is_open() const { return stream_ != nullptr; }
   Terminal(const Terminal&) = delete;
   std::FILE* stream() const { return stream_; }
   std::string read() const {
@@ -145,11 +146,12 @@ class Terminal {
 
  private:
   const int master_;
-  std::FILE* stream_;
+  std::FILE* stream_ = nullptr;
 };
 
 TEST(Progress, TellsTheStepOnATerminalAndWipesItOut) {
   const Terminal terminal;
+  if (!terminal.is_open()) GTEST_SKIP() << "there is no pseudo-terminal here";
   std::string told;
   {
     tour::Progress progress(terminal.stream(), "family", std::chrono::milliseconds(50));
@@ -162,6 +164,7 @@ TEST(Progress, TellsTheStepOnATerminalAndWipesItOut) {
 
 TEST(Progress, SaysNothingOfAShortTask) {
   const Terminal terminal;
+  if (!terminal.is_open()) GTEST_SKIP() << "there is no pseudo-terminal here";
   {
     tour::Progress progress(terminal.stream(), "family");
     progress.tell("a short step");

@@ -8,7 +8,7 @@ cmake --install "$build" --prefix "$prefix" > "$prefix.log"
 mv "$prefix" "$prefix-moved"
 prefix=$prefix-moved
 
-cmake -S "$programs" -B "$prefix/use" -DCMAKE_PREFIX_PATH="$prefix" \
+cmake -G Ninja -S "$programs" -B "$prefix/use" -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_C_FLAGS=-m32 -DCMAKE_CXX_FLAGS=-m32 -DCMAKE_Fortran_FLAGS=-m32 >> "$prefix.log"
 cmake --build "$prefix/use" >> "$prefix.log"
 for program in sparse_product heat least_squares; do
