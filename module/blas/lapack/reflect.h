@@ -15,7 +15,7 @@ template <class T>
   if (m <= 0 || n <= 0 || is_zero(tau)) return;
   constexpr int piece = 128;
   constexpr Op adjoint = is_complex<T> ? Op::conj_transpose : Op::transpose;
-  const T one = real_element<T>(1), minus = negate(tau);
+  const T one = real_element<T>(1), minus = negated(tau);
   T w[piece];
   for (int first = 0; first < (left ? n : m); first += piece) {
     const int count = std::min(piece, (left ? n : m) - first);
@@ -37,7 +37,7 @@ template <class T>
   for (int i = 0; i < n; ++i, x += incx, y += incy, c += incc, s += incc) {
     const T old = *x;
     *x = add(scaled(old, *c), multiply(*s, *y));
-    *y = subtract(scaled(*y, *c), multiply(conjugate(*s), old));
+    *y = difference(scaled(*y, *c), multiply(conjugate(*s), old));
   }
 }
 

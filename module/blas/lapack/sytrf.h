@@ -67,7 +67,7 @@ void subtract_columns(const FromBelow<uplo, T>& a, int k, Row row) {
     const T* column[width];
     unrolled<width>([&](auto c) __attribute__((always_inline)) {
       column[c] = a.below(j, k + c);
-      minus[c] = negate(l[c]);
+      minus[c] = negated(l[c]);
     });
     add_group(a.n - j, column, minus, upper ? &a.at(a.n - 1, j) : &a.at(j, j));
     unrolled<width>([&](auto c) __attribute__((always_inline)) { a.at(j, k + c) = l[c]; });
@@ -86,11 +86,11 @@ template <Uplo uplo, class T>
 void eliminate_two(const FromBelow<uplo, T>& a, int k) {
   const T one = real_element<T>(1), d21 = a.at(k + 1, k);
   const T d11 = quotient(a.at(k + 1, k + 1), d21), d22 = quotient(a.at(k, k), d21);
-  const T t = quotient(quotient(one, subtract(multiply(d11, d22), one)), d21);
+  const T t = quotient(quotient(one, difference(multiply(d11, d22), one)), d21);
   subtract_columns<2>(a, k, [&](int j, T* l) {
     const T x = a.at(j, k), y = a.at(j, k + 1);
-    l[0] = multiply(t, subtract(multiply(d11, x), y));
-    l[1] = multiply(t, subtract(multiply(d22, y), x));
+    l[0] = multiply(t, difference(multiply(d11, x), y));
+    l[1] = multiply(t, difference(multiply(d22, y), x));
   });
 }
 

@@ -13,7 +13,7 @@ namespace jex::blas {
 // LAPACK's info: 0, or the first zero pivot; then nothing is solved.
 template <class T>
 [[gnu::noinline]] int gtsv(int n, int nrhs, T* dl, T* d, T* du, T* b, int ldb) {
-  const auto minus_product = [](T a, T f, T x) { return subtract(a, multiply(f, x)); };
+  const auto minus_product = [](T a, T f, T x) { return difference(a, multiply(f, x)); };
   for (int k = 0; k < n - 1; ++k) {
     T* row = b + k;
     if (magnitude(d[k]) >= magnitude(dl[k])) {
@@ -28,7 +28,7 @@ template <class T>
       d[k + 1] = minus_product(du[k], f, next);
       if (k < n - 2) {
         dl[k] = du[k + 1];
-        du[k + 1] = negate(multiply(f, dl[k]));
+        du[k + 1] = negated(multiply(f, dl[k]));
       }
       du[k] = next;
       for (int j = 0; j < nrhs; ++j, row += ldb) {
@@ -62,10 +62,10 @@ template <class T>
       return x / d;
   };
   for (int j = 0; j < nrhs; ++j, b += ldb) {
-    for (int k = 1; k < n; ++k) b[k] = subtract(b[k], multiply(b[k - 1], below(k - 1)));
+    for (int k = 1; k < n; ++k) b[k] = difference(b[k], multiply(b[k - 1], below(k - 1)));
     for (int k = n - 1; k >= 0; --k) {
       b[k] = over(b[k], d[k]);
-      if (k < n - 1) b[k] = subtract(b[k], multiply(b[k + 1], above(k)));
+      if (k < n - 1) b[k] = difference(b[k], multiply(b[k + 1], above(k)));
     }
   }
 }

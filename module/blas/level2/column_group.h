@@ -16,18 +16,6 @@ using simd::unrolled;
 template <class T>
 inline constexpr int group_width = is_complex<T> ? 2 : 4;
 
-template <class T>
-[[gnu::always_inline]] inline T negate(T a) {
-  if constexpr (is_complex<T>)
-    return {-a.re, -a.im};
-  else
-    return -a;
-}
-template <class T>
-[[gnu::always_inline]] inline T subtract(T a, T b) {
-  return add(a, negate(b));
-}
-
 // y(i) += column[0](i) t[0] + column[1](i) t[1] + ..., added in this order, 0 <= i < n.
 template <int width, class T>
 [[gnu::always_inline]] inline void add_group(int n, const T* const (&column)[width],

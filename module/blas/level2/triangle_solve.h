@@ -27,7 +27,7 @@ template <Uplo uplo, Op op, Diag diag, class T, int width, class Solved>
     if constexpr (diag == Diag::non_unit) v[c] = quotient(v[c], group.template corner<op, c, c>());
     unrolled<width - 1 - step>([&](auto after) __attribute__((always_inline)) {
       constexpr int r = lower ? c + 1 + after : c - 1 - after;
-      v[r] = subtract(v[r], multiply(group.template corner<op, r, c>(), v[c]));
+      v[r] = difference(v[r], multiply(group.template corner<op, r, c>(), v[c]));
     });
     solved.template operator()<c>();
   });
@@ -41,7 +41,7 @@ template <Op op, int c, class T, int width>
   unrolled<width>([&](auto r) __attribute__((always_inline)) {
     const T entry =
         op == Op::none ? group.column[c][other + r] : entry_of<op>(group.column[r][other + c]);
-    v[r] = subtract(v[r], multiply(entry, known));
+    v[r] = difference(v[r], multiply(entry, known));
   });
 }
 
@@ -51,10 +51,10 @@ template <Op op, Diag diag, template <Uplo, class> class Storage, Uplo uplo, cla
   const Group<T, 1> group(a, j);
   T t[1] = {};
   if constexpr (op != Op::none) dot_beside<op>(a, group, x, t);
-  T v = op == Op::none ? x[j] : subtract(x[j], t[0]);
+  T v = op == Op::none ? x[j] : difference(x[j], t[0]);
   if constexpr (diag == Diag::non_unit) v = quotient(v, group.template corner<op, 0, 0>());
   x[j] = v;
-  t[0] = negate(v);
+  t[0] = negated(v);
   if constexpr (op == Op::none) update_beside(a, group, x, t);
 }
 
@@ -72,7 +72,7 @@ template <Diag diag, int width, template <Uplo, class> class Storage, Uplo uplo,
         group, v, [&]<int c>() __attribute__((always_inline)) {
           subtract_square_column<Op::none, c>(group, j + step, v[c], next);
           x[j + c] = v[c];
-          t[c] = negate(v[c]);
+          t[c] = negated(v[c]);
         });
     update_beside(a, group, x, t, width);
     unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = next[c]; });
@@ -82,7 +82,7 @@ template <Diag diag, int width, template <Uplo, class> class Storage, Uplo uplo,
   solve_corner<uplo, Op::none, diag>(
       last, v, [&]<int c>() __attribute__((always_inline)) {
         x[j + c] = v[c];
-        t[c] = negate(v[c]);
+        t[c] = negated(v[c]);
       });
   update_beside(a, last, x, t);
 }
@@ -101,7 +101,7 @@ template <Op op, Diag diag, int width, template <Uplo, class> class Storage, Upl
     T next[width], t[width];
     dot_beside<op>(a, following, x, t, width);
     unrolled<width>([&](auto c) __attribute__((always_inline)) {
-      next[c] = subtract(x[j + step + c], t[c]);
+      next[c] = difference(x[j + step + c], t[c]);
     });
     solve_corner<uplo, op, diag>(
         group, v, [&]<int c>() __attribute__((always_inline)) {
