@@ -16,10 +16,6 @@ using FixedFunction = void (*)(const T* in, T* out, Real<T> scale);
 
 // The functions of one element type and direction, compiled in a file of their own. Data, so that a
 // caller gets at one in a single load.
-constexpr bool has_fixed(int n) {
-  return (n >= 2 && n <= longest_fixed) || n == longest_fixed_table;
-}
-
 template <class T>
 struct FixedTable {
   FixedFunction<T> function[longest_fixed + 1];
@@ -30,11 +26,13 @@ struct Fixeds {
   static const FixedTable<T> table;
 };
 
+// Null where there is none.
 template <class T>
 inline FixedFunction<T> fixed_function(int n, Direction d) {
   const FixedTable<T>& table = d == Direction::forward ? Fixeds<T, Direction::forward>::table
                                                        : Fixeds<T, Direction::backward>::table;
-  return n == longest_fixed_table ? table.last : table.function[n];
+  if (n == longest_fixed_table) return table.last;
+  return n <= longest_fixed ? table.function[n] : nullptr;
 }
 
 constexpr int largest_prime(int n) {

@@ -51,7 +51,7 @@ template <class T>
 EngineCode make_tables(Plan<T>& plan) {
   const int32_t n = plan.plan_length;
   for (const Direction d : {Direction::forward, Direction::backward})
-    if (has_fixed(n)) plan.fixed[int(d)] = fixed_function<T>(n, d);
+    plan.fixed[int(d)] = fixed_function<T>(n, d);
   if (n < shortest_planned) {
     make_transform(plan.transform, n, plan.blocks);
     return engine_success;

@@ -27,16 +27,13 @@ const T* make_split(int32_t n, Blocks& blocks) {
   return table;
 }
 
-// Lengths that go without a plan where their arrays suit.
-template <class T>
-FixedFunction<T> half_function(int32_t n, Direction d) {
-  return has_fixed(n) ? fixed_function<T>(n, d) : nullptr;
-}
+// A fixed kernel goes without the ways of a plan where its arrays suit.
 template <class T>
 void run_half(const RealPlan<T>& plan, Direction d, const T* in, T* out, void* work,
               Real<T> scale) {
-  if (plan.fixed[int(d)] && (sizeof(T) < 16 || is_aligned(in, out)))
-    plan.fixed[int(d)](in, out, scale);
+  const FixedFunction<T> fixed = plan.complex->fixed[int(d)];
+  if (fixed && (sizeof(T) < 16 || is_aligned(in, out)))
+    fixed(in, out, scale);
   else
     run_plan<T>(*plan.complex, d, in, out, work, scale);
 }
@@ -54,8 +51,6 @@ EngineCode make_tables(RealPlan<T>& plan) {
     if (!plan.complex) return engine_null_pointer;
     plan.split = make_split<T>(n, plan.blocks);
     if (!plan.split) return engine_no_memory;
-    for (const Direction d : {Direction::forward, Direction::backward})
-      plan.fixed[int(d)] = half_function<T>(n / 2, d);
     plan.mixed_radix = plan.complex->mixed_radix;
     plan.chirp_len = plan.complex->chirp_len;
     bytes = uint32_t(plan.complex->plan_work_bytes);

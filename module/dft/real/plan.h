@@ -48,7 +48,6 @@ bool is_short_real(int32_t n) {
 template <class T>
 struct OddLevels;
 
-// fixed is of half an even length.
 template <class T>
 struct RealPlan : Plan<T> {
   bool is_short;  // a direct kernel, which needs no tables
