@@ -1,6 +1,6 @@
 #include "dft/multi/lines.h"
 
-#include <new>
+#include <optional>
 
 #include "dft/multi/bundle.h"
 
@@ -79,10 +79,10 @@ int32_t run_lines(Record* record, const Grid& grid, int i, A from, A to, char* w
   }
   const int32_t n = grid.n[i];
   const Passes<T>* const passes = bundle_passes<T>(*record);
-  alignas(Steps<T>) char place[sizeof(Steps<T>)];
-  const Steps<T>* const steps = passes ? new (place) Steps<T>(*passes) : nullptr;
+  std::optional<Steps<T>> steps;
+  if (passes) steps.emplace(*passes);
   const Bundle<T, d, A> bundle{record,
-                               steps,
+                               steps ? &*steps : nullptr,
                                has_pairs ? kernel_of<T>(*record, d) : run_plan_on_line<T, d>,
                                {n, grid.from[i], grid.from[first]},
                                {n, grid.to[i], grid.to[first]},
