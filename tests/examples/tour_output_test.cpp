@@ -149,9 +149,14 @@ class Terminal {
   std::FILE* stream_ = nullptr;
 };
 
-TEST(Progress, TellsTheStepOnATerminalAndWipesItOut) {
+struct ProgressOnATerminal : testing::Test {
   const Terminal terminal;
-  if (!terminal.is_open()) GTEST_SKIP() << "there is no pseudo-terminal here";
+  void SetUp() override {
+    if (!terminal.is_open()) GTEST_SKIP() << "there is no pseudo-terminal here";
+  }
+};
+
+TEST_F(ProgressOnATerminal, TellsTheStepAndWipesItOut) {
   std::string told;
   {
     tour::Progress progress(terminal.stream(), "family", std::chrono::milliseconds(50));
@@ -162,9 +167,7 @@ TEST(Progress, TellsTheStepOnATerminalAndWipesItOut) {
   while (!told.ends_with("\r\033[K")) told += terminal.read();
 }
 
-TEST(Progress, SaysNothingOfAShortTask) {
-  const Terminal terminal;
-  if (!terminal.is_open()) GTEST_SKIP() << "there is no pseudo-terminal here";
+TEST_F(ProgressOnATerminal, SaysNothingOfAShortTask) {
   {
     tour::Progress progress(terminal.stream(), "family");
     progress.tell("a short step");
