@@ -4,18 +4,15 @@
 #include <link.h>
 #include <unordered_map>
 
-#include <jex/core.h>
+#include <jex/module_entries.hpp>
 
 namespace jex::bench {
 namespace {
 
 std::unordered_map<std::string, void*> table_of_module() {
   std::unordered_map<std::string, void*> table;
-  if (const Module* module = jex::module()) {
-#define JEX_ENTRY(name) table[#name] = reinterpret_cast<void*>(module->name);
-#include <jex/export_names.inc>
-#undef JEX_ENTRY
-  }
+  if (const Module* module = jex::module())
+    for (const ModuleEntry& entry : module_entries) table[entry.name] = entry.address(*module);
   return table;
 }
 

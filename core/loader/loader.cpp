@@ -1,6 +1,6 @@
 // Finds the module beside the core, loads it, checks its branch number and resolves its table.
 
-#include <jex/core.h>
+#include <jex/module_entries.hpp>
 
 #include <stdio.h>
 #include <string>
@@ -26,23 +26,20 @@ struct Loaded {
 
 // Fills the table; returns what is wrong with the library, or nothing.
 std::string fill_table(Module& table, void* handle, const std::string& path) {
-  const void* base = nullptr;
-  std::string missing;
-  const auto resolve = [&](auto& entry, const char* name) {
-    entry = reinterpret_cast<std::remove_reference_t<decltype(entry)>>(
-        library::symbol(handle, name, base));
-    if (!entry && missing.empty()) missing = name;
-  };
-  resolve(table.dll_cpu_version, "dll_cpu_version");
+  table.dll_cpu_version = reinterpret_cast<decltype(table.dll_cpu_version)>(
+      library::symbol(handle, "dll_cpu_version", nullptr));
   if (!table.dll_cpu_version)
     return "jex: " + path + " is not a kernel module: it has no dll_cpu_version";
   if (const jex_int branch = table.dll_cpu_version(); branch != expected_branch)
     return "jex: " + path + " is of branch " + std::to_string(branch) +
            ", this core needs branch " + std::to_string(expected_branch);
-  base = library::base_of(reinterpret_cast<void*>(table.dll_cpu_version));
-#define JEX_ENTRY(name) resolve(table.name, #name);
-#include <jex/export_names.inc>
-#undef JEX_ENTRY
+  const void* const base = library::base_of(reinterpret_cast<void*>(table.dll_cpu_version));
+  std::string missing;
+  for (const ModuleEntry& entry : module_entries) {
+    void* const address = library::symbol(handle, entry.name, base);
+    if (!address && missing.empty()) missing = entry.name;
+    entry.set(table, address);
+  }
   return missing.empty() ? std::string() : "jex: " + path + " lacks the entry " + missing;
 }
 

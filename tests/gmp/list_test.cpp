@@ -5,12 +5,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <jex/core.h>
+#include <jex/module_entries.hpp>
 
 #include <fstream>
 #include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 
 #ifdef _WIN32
 #include "guards/pe_file.h"
@@ -50,12 +51,13 @@ Names functions_of_library() {
   return names;
 }
 
+constexpr std::string_view prefix = "jex_gmp_";
+
 Names entries() {
   Names names;
-#define JEX_ENTRY(name) \
-  if (std::string(#name).rfind("jex_gmp_", 0) == 0) names.insert(std::string(#name).substr(8));
-#include <jex/export_names.inc>
-#undef JEX_ENTRY
+  for (const jex::ModuleEntry& entry : jex::module_entries)
+    if (const std::string_view name = entry.name; name.starts_with(prefix))
+      names.emplace(name.substr(prefix.size()));
   return names;
 }
 
@@ -96,16 +98,15 @@ TEST(GmpList, EveryEntryJumpsToItsFunction) {
   void* gmp = dlopen(JEX_GMP_FILE, RTLD_NOW);
   ASSERT_NE(gmp, nullptr) << dlerror();
   int jumps = 0;
-  const auto check = [&](const std::string& name, const void* entry) {
-    if (name.rfind("jex_gmp_", 0) != 0 || in_core.count(name.substr(8))) return;
-    void* const own = dlsym(gmp, name.substr(8).c_str());
+  for (const jex::ModuleEntry& entry : jex::module_entries) {
+    if (!std::string_view(entry.name).starts_with(prefix)) continue;
+    const char* const name = entry.name + prefix.size();
+    if (in_core.count(name)) continue;
+    void* const own = dlsym(gmp, name);
     ASSERT_NE(own, nullptr) << name;
-    EXPECT_EQ(target_of(static_cast<const unsigned char*>(entry)), own) << name;
+    EXPECT_EQ(target_of(static_cast<const unsigned char*>(entry.address(*module))), own) << name;
     ++jumps;
-  };
-#define JEX_ENTRY(name) check(#name, reinterpret_cast<const void*>(module->name));
-#include <jex/export_names.inc>
-#undef JEX_ENTRY
+  }
   EXPECT_EQ(jumps, int(entries().size() - in_core.size()));
   dlclose(gmp);
 }

@@ -1,5 +1,7 @@
 #include "front/spblas/operation.h"
 
+#include <jex/module_entries.hpp>
+
 #include <string.h>
 #include <unordered_map>
 
@@ -17,10 +19,8 @@ using Kernels = std::unordered_map<std::string, void*>;
 const Kernels& kernels(const Module& module) {
   static const Kernels& table = *[&] {
     auto* table = new Kernels;  // Never destroyed: fronts may be called until the process is gone.
-#define JEX_ENTRY(name) \
-  if (!strncmp(#name, "jex_spblas_", 11)) (*table)[#name] = reinterpret_cast<void*>(module.name);
-#include <jex/export_names.inc>
-#undef JEX_ENTRY
+    for (const ModuleEntry& entry : module_entries)
+      if (!strncmp(entry.name, "jex_spblas_", 11)) (*table)[entry.name] = entry.address(module);
     return table;
   }();
   return table;
