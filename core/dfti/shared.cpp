@@ -14,8 +14,10 @@ namespace {
 // into two levels first.
 constexpr jex_int least_elements = 16384, least_of_one_dimension = 65536;
 
+// Words that say what a transform is; the rest is what commit makes of them.
 bool is_setting(int word) {
-  return (word >= 12 && word <= 26) || (word >= JEX_DFT_FORWARD_SCALE_S && word <= 43) ||
+  return (word >= JEX_DFT_WORD_12 && word <= JEX_DFT_TRANSPOSE) ||
+         (word >= JEX_DFT_FORWARD_SCALE_S && word <= JEX_DFT_BACKWARD_SCALE_D + 1) ||
          (word >= JEX_DFT_INPUT_OFFSET && word <= JEX_DFT_OUTPUT_DISTANCE);
 }
 
@@ -50,8 +52,7 @@ jex_int Shared::commit(jex_dft_dfti_transform& t) {
   if (status) return status;
   for (jex_int i = 0; i < t.dimensions; ++i)
     for (int word = 0; word < JEX_DFT_WORDS; ++word)
-      if (is_setting(word) && word != JEX_DFT_LENGTH)
-        records_[i].word[word] = t.records[i].word[word];
+      if (is_setting(word)) records_[i].word[word] = t.records[i].word[word];
   return module_.jex_dft_commit_descriptor_core(records_, nullptr);
 }
 
@@ -65,10 +66,7 @@ bool Shared::make_areas() {
 Shared::~Shared() {
   ::operator delete(areas_, std::align_val_t(64));
   if (!records_) return;
-  for (jex_int i = 0; i + 1 < records_->word[JEX_DFT_RANK]; ++i) {
-    jex_dft_descriptor* const next = &records_[i + 1];
-    memcpy(&records_[i].word[JEX_DFT_CHILD], &next, sizeof next);
-  }
+  link_chain(records_, records_->word[JEX_DFT_RANK]);
   module_.jex_dft_free_allocated_buffers(records_);
   module_.jex_serv_jex_free(records_);
 }

@@ -37,6 +37,10 @@ using Transform = jex_dft_dfti_transform;
 
 inline bool is_valid(const Transform* t) { return t && t->state == Transform::living; }
 
+// A failed commit of several dimensions leaves the chain open behind its first record.
+void link_chain(jex_dft_descriptor* records, jex_int dimensions);
+// Takes back what a ready case allocated, if one is active.
+void release_breakdown(Transform& t);
 jex_int commit(Transform& t);
 jex_int compute(Transform& t, int entry_word, void* const (&arrays)[4]);
 
