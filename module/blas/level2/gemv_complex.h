@@ -97,10 +97,7 @@ template <int columns, Memory memory, class T, class X>
     for (; i + 4 * width <= m; i += 4 * width, column.advance(4 * width)) {
       if constexpr (memory == Memory::far)
         (simd::prefetch(column.template at<j>(bytes_ahead / sizeof(T))), ...);
-      rows(i, 0);
-      rows(i, width);
-      rows(i, 2 * width);
-      rows(i, 3 * width);
+      unrolled<4>([&](auto r) __attribute__((always_inline)) { rows(i, r * width); });
     }
     for (; i + width <= m; i += width, column.advance(width)) rows(i, 0);
     for (; i < m; ++i, column.advance(1)) {

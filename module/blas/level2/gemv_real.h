@@ -12,6 +12,7 @@
 #include "blas/level1/sums.h"
 #include "blas/level1/scalar.h"
 #include "simd/prefetch.h"
+#include "simd/repeat.h"
 
 #include <algorithm>
 #include <stddef.h>
@@ -20,6 +21,7 @@
 namespace jex::blas {
 
 using simd::accumulate;
+using simd::unrolled;
 
 inline constexpr int columns_at_once = 6;
 
@@ -96,10 +98,7 @@ template <int columns, Memory memory = Memory::near, class T>
     for (T* const last = end - 4 * width; to <= last; advance(4 * width)) {
       if constexpr (memory == Memory::far)
         (simd::prefetch(column.template at<j>(bytes_ahead / sizeof(T))), ...);
-      rows(0);
-      rows(width);
-      rows(2 * width);
-      rows(3 * width);
+      unrolled<4>([&](auto r) __attribute__((always_inline)) { rows(r * width); });
     }
     for (T* const last = end - width; to <= last; advance(width)) rows(0);
     for (; to < end; advance(1)) row();
@@ -143,10 +142,7 @@ template <int columns, Memory memory = Memory::near, class T>
     for (; from + 4 * width <= last; advance(4 * width)) {
       if constexpr (memory == Memory::far)
         (simd::prefetch(column.template at<j>(bytes_ahead / sizeof(T))), ...);
-      rows(0);
-      rows(width);
-      rows(2 * width);
-      rows(3 * width);
+      unrolled<4>([&](auto r) __attribute__((always_inline)) { rows(r * width); });
     }
     for (; from < last; advance(width)) rows(0);
     T sum[columns] = {plan.first < plan.last ? sum_lanes(s[j]) : s[j].first()...};

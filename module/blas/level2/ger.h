@@ -27,10 +27,7 @@ template <Memory memory, class T>
   for (T* const begin = a + elements_to_boundary(a, m); a < begin; advance(1)) row();
   for (T* const last = end - 4 * width; a <= last; advance(4 * width)) {
     if constexpr (memory == Memory::far) simd::prefetch(a + bytes_ahead / sizeof(T));
-    rows(0);
-    rows(width);
-    rows(2 * width);
-    rows(3 * width);
+    unrolled<4>([&](auto r) __attribute__((always_inline)) { rows(r * width); });
   }
   for (T* const last = end - width; a <= last; advance(width)) rows(0);
   for (; a < end; advance(1)) row();
