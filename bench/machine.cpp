@@ -64,23 +64,17 @@ double best_time(F&& f) {
   }
 
 /// Multiplies and adds of a register, together, a second.
-double best_rate_double() {
-  constexpr long turns = 200000;
-  double best = 0;
-  PEAK_LOOP(FOUR_PAIRS("pd"), 8)
-  PEAK_LOOP(FOUR_SUMS("pd"), 8)
-  PEAK_LOOP(SIX_SUMS("pd"), 12)
-  return best;
-}
-
-double best_rate_single() {
-  constexpr long turns = 200000;
-  double best = 0;
-  PEAK_LOOP(FOUR_PAIRS("ps"), 8)
-  PEAK_LOOP(FOUR_SUMS("ps"), 8)
-  PEAK_LOOP(SIX_SUMS("ps"), 12)
-  return best;
-}
+#define BEST_RATE(name, type)      \
+  double name() {                  \
+    constexpr long turns = 200000; \
+    double best = 0;               \
+    PEAK_LOOP(FOUR_PAIRS(type), 8) \
+    PEAK_LOOP(FOUR_SUMS(type), 8)  \
+    PEAK_LOOP(SIX_SUMS(type), 12)  \
+    return best;                   \
+  }
+BEST_RATE(best_rate_double, "pd")
+BEST_RATE(best_rate_single, "ps")
 
 #define LOAD(offset, r) "movaps " offset "(%0), %%xmm" r "\n\t"
 #define STORE(op, offset, r) op " %%xmm" r ", " offset "(%0,%2)\n\t"
