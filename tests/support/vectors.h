@@ -66,34 +66,34 @@ T random_value(Random& random, Values values) {
   return value;
 }
 
+// Elements in guarded memory, and the same in the open for the model. All are NaN at first.
 template <class T>
-class Vector {
+class GuardedElements {
  public:
-  // n elements at the given increment and offset from a 16-byte boundary.
-  Vector(Random& random, int n, int inc, size_t offset, Against side, Values values)
-      : n_(n),
-        inc_(inc),
-        span_(n < 1 ? 0 : (n - 1) * std::abs(inc) + 1),
-        memory_(span_ * sizeof(T) + 32),
-        p_(static_cast<T*>(memory_.place(span_ * sizeof(T), offset, side))),
-        model_(span_) {
-    if (n < 1) return;
-    memset(static_cast<void*>(model_.data()), 0xff, span_ * sizeof(T));
-    for (int i = 0; i < n; ++i) at(i) = random_value<T>(random, values);
-    memcpy(static_cast<void*>(p_), model_.data(), span_ * sizeof(T));
+  GuardedElements(int count, size_t offset, Against side)
+      : bytes_(count * sizeof(T)),
+        memory_(bytes_ + 32),
+        p_(static_cast<T*>(memory_.place(bytes_, offset, side))),
+        model_(count) {
+    if (count > 0) memset(static_cast<void*>(model_.data()), 0xff, bytes_);
   }
+  // At a random place.
+  GuardedElements(Random& random, int count)
+      : GuardedElements(count, 4 * random.between(0, 3),
+                        random.pick({Against::front, Against::back})) {}
 
   T* data() { return p_; }
-  int inc() const { return inc_; }
-  const int* inc_address() const { return &inc_; }
+  const T* data() const { return p_; }
+  T& model(int i) { return model_[i]; }
+  // The operand gets the model's elements.
+  void publish() {
+    if (bytes_ > 0) memcpy(static_cast<void*>(p_), model_.data(), bytes_);
+  }
 
-  // The model's element i of the walk.
-  T& at(int i) { return model_[(inc_ < 0 ? (1 - n_) * inc_ : 0) + i * inc_]; }
-
-  // Bytes of the operand that differ from the model's; two NaN are alike.
+  // The first part of the operand that differs from the model's; two NaN are alike.
   std::string difference() const {
     using R = Real<T>;
-    for (int i = 0; i < span_ * Parts<T>::count; ++i) {
+    for (size_t i = 0; i < bytes_ / sizeof(R); ++i) {
       R ours, model;
       memcpy(&ours, reinterpret_cast<const char*>(p_) + i * sizeof(R), sizeof(R));
       memcpy(&model, reinterpret_cast<const char*>(model_.data()) + i * sizeof(R), sizeof(R));
@@ -105,10 +105,33 @@ class Vector {
   }
 
  private:
-  int n_, inc_, span_;
+  size_t bytes_;
   Guarded memory_;
   T* p_;
   std::vector<T> model_;
+};
+
+template <class T>
+class Vector {
+ public:
+  // n elements at the given increment and offset from a 16-byte boundary.
+  Vector(Random& random, int n, int inc, size_t offset, Against side, Values values)
+      : n_(n), inc_(inc), elements_(n < 1 ? 0 : (n - 1) * std::abs(inc) + 1, offset, side) {
+    for (int i = 0; i < n; ++i) at(i) = random_value<T>(random, values);
+    elements_.publish();
+  }
+
+  T* data() { return elements_.data(); }
+  int inc() const { return inc_; }
+  const int* inc_address() const { return &inc_; }
+
+  // The model's element i of the walk.
+  T& at(int i) { return elements_.model((inc_ < 0 ? (1 - n_) * inc_ : 0) + i * inc_); }
+  std::string difference() const { return elements_.difference(); }
+
+ private:
+  int n_, inc_;
+  GuardedElements<T> elements_;
 };
 
 // Bit for bit, but for the payload of NaN.
@@ -117,10 +140,8 @@ bool same_bits(R a, R b) {
   return memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
 }
 template <class T>
-  requires is_complex<T>
-bool same_bits(T a, T b) {
-  return same_bits(a.re, b.re) && same_bits(a.im, b.im);
-}
+requires is_complex<T>
+bool same_bits(T a, T b) { return same_bits(a.re, b.re) && same_bits(a.im, b.im); }
 
 // One random call: length, increments, places and values. Vectors made from it share its stream.
 struct Case {

@@ -40,36 +40,24 @@ class GeneralMatrix {
         ku(band ? random.between(0, random.pick({2, 8, 80})) : n),
         band(band),
         lda_((band ? kl + ku + 1 : std::max(m, 1)) + random.between(0, 1) * random.between(1, 5)),
-        span_(m < 1 || n < 1 ? 0 : lda_ * (n - 1) + (band ? kl + ku + 1 : m)),
-        memory_(span_ * sizeof(T) + 32),
-        p_(static_cast<T*>(memory_.place(span_ * sizeof(T), 4 * random.between(0, 3),
-                                         random.pick({Against::front, Against::back})))),
-        model_(span_) {
-    if (span_ == 0) return;
-    memset(static_cast<void*>(model_.data()), 0xff, span_ * sizeof(T));
+        elements_(random, m < 1 || n < 1 ? 0 : lda_ * (n - 1) + (band ? kl + ku + 1 : m)) {
     for (int j = 0; j < n; ++j)
       for (int i = 0; i < m; ++i)
         if (stores(i, j)) at(i, j) = random_value<T>(random, values);
-    memcpy(static_cast<void*>(p_), model_.data(), span_ * sizeof(T));
+    elements_.publish();
   }
 
-  T* data() { return p_; }
+  T* data() { return elements_.data(); }
   const int* lda_address() const { return &lda_; }
   bool stores(int i, int j) const { return !band || (i - j <= kl && j - i <= ku); }
   // The model's element.
-  T& at(int i, int j) { return model_[(band ? ku - j : 0) + i + j * lda_]; }
+  T& at(int i, int j) { return elements_.model((band ? ku - j : 0) + i + j * lda_); }
 
-  std::string difference() const {
-    for (int i = 0; i < span_; ++i)
-      if (!same_bits(p_[i], model_[i])) return "element " + std::to_string(i) + " of the array";
-    return {};
-  }
+  std::string difference() const { return elements_.difference(); }
 
  private:
-  int lda_, span_;
-  Guarded memory_;
-  T* p_;
-  std::vector<T> model_;
+  int lda_;
+  GuardedElements<T> elements_;
 };
 
 }  // namespace jex::test

@@ -20,16 +20,10 @@ class SymmetricMatrix {
         n_(n),
         k_(random.between(0, n < 1 ? 3 : std::min(n + 2, 12))),
         lda_((storage == Storage::band ? k_ + 1 : std::max(n, 1)) + random.between(0, 3)),
-        span_(n < 1                        ? 0
-              : storage == Storage::full   ? lda_ * (n - 1) + n
-              : storage == Storage::packed ? n * (n + 1) / 2
-                                           : lda_ * (n - 1) + k_ + 1),
-        memory_(span_ * sizeof(T) + 32),
-        p_(static_cast<T*>(memory_.place(span_ * sizeof(T), 4 * random.between(0, 3),
-                                         random.pick({Against::front, Against::back})))),
-        model_(span_) {
-    if (span_ == 0) return;
-    memset(static_cast<void*>(model_.data()), 0xff, span_ * sizeof(T));
+        elements_(random, n < 1                        ? 0
+                          : storage == Storage::full   ? lda_ * (n - 1) + n
+                          : storage == Storage::packed ? n * (n + 1) / 2
+                                                       : lda_ * (n - 1) + k_ + 1) {
     for (int j = 0; j < n; ++j)
       for (int i = 0; i < n; ++i)
         if (stores(i, j)) {
@@ -38,10 +32,10 @@ class SymmetricMatrix {
             if (i == j && real_diagonal) value.im = std::numeric_limits<Real<T>>::quiet_NaN();
           at(i, j) = value;
         }
-    memcpy(static_cast<void*>(p_), model_.data(), span_ * sizeof(T));
+    elements_.publish();
   }
 
-  T* data() { return p_; }
+  T* data() { return elements_.data(); }
   const int* k_address() const { return &k_; }
   const int* lda_address() const { return &lda_; }
   bool upper() const { return upper_; }
@@ -51,7 +45,7 @@ class SymmetricMatrix {
     return storage_ != Storage::band || std::abs(i - j) <= k_;
   }
   // The model's element of the stored triangle.
-  T& at(int i, int j) { return model_[place(i, j)]; }
+  T& at(int i, int j) { return elements_.model(place(i, j)); }
   // Element (i, j) of the whole matrix.
   T whole(int i, int j) {
     if (i == j) {
@@ -62,13 +56,9 @@ class SymmetricMatrix {
     if (stores(i, j)) return at(i, j);
     return stores(j, i) ? conjugate(at(j, i)) : T{};
   }
-  T computed(int i, int j) const { return p_[place(i, j)]; }
+  T computed(int i, int j) const { return elements_.data()[place(i, j)]; }
 
-  std::string difference() const {
-    for (int i = 0; i < span_; ++i)
-      if (!same_bits(p_[i], model_[i])) return "element " + std::to_string(i) + " of the array";
-    return {};
-  }
+  std::string difference() const { return elements_.difference(); }
 
  private:
   int place(int i, int j) const {
@@ -79,10 +69,8 @@ class SymmetricMatrix {
 
   Storage storage_;
   bool upper_;
-  int n_, k_, lda_, span_;
-  Guarded memory_;
-  T* p_;
-  std::vector<T> model_;
+  int n_, k_, lda_;
+  GuardedElements<T> elements_;
 };
 
 // The columns of a panel: the first nb of a lower triangle, the last nb of an upper one.
