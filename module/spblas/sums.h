@@ -67,6 +67,34 @@ template <class Value, class Term>
   return s0;
 }
 
+// The same for real numbers, the partial sums side by side in registers. terms(k) are those of
+// entry k and of the ones behind it that fill a register.
+template <class T, class Terms, class Term>
+[[gnu::always_inline]] inline T full_row_sum_in_lanes(Entry first, Entry last, Terms terms,
+                                                      Term term) {
+  using simd::Lanes;
+  constexpr int width = Lanes<T>::count, registers = 4 / width;
+  T s0 = 0;
+  Entry k = first;
+  if (last - k >= 4) {
+    Lanes<T> sums[registers];
+    simd::unrolled<registers>([&](auto r)
+                                  __attribute__((always_inline)) { sums[r] = Lanes<T>::zero(); });
+    do {
+      simd::unrolled<registers>([&](auto r) __attribute__((always_inline)) {
+        sums[r] = sums[r] + terms(k + r * width);
+      });
+      k = simd::pinned(k + 4);
+    } while (last - k >= 4);
+    T s[4];
+    simd::unrolled<registers>([&](auto r)
+                                  __attribute__((always_inline)) { sums[r].store(s + r * width); });
+    s0 = ((s[0] + s[1]) + s[2]) + s[3];
+  }
+  for (; k < last; k = simd::pinned(k + 1)) s0 = s0 + term(k);
+  return s0;
+}
+
 // A chain of the terms of all entries, two in each step.
 template <class Value, class Term>
 [[gnu::always_inline]] inline Value full_row_chain(Entry first, Entry last, Value sum, Term term) {

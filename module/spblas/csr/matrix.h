@@ -46,9 +46,11 @@ struct Rows {
   // Of the row with the number i.
   Entry first(int i) const { return columns + begin[i]; }
   Entry last(int i) const { return columns + end[i]; }
-  [[gnu::always_inline]] const T& value(Entry k) const {
-    return *reinterpret_cast<const T*>(values + reinterpret_cast<uintptr_t>(k) * scale);
+  // Of entry k; there need not be one.
+  [[gnu::always_inline]] const T* place_of_value(Entry k) const {
+    return reinterpret_cast<const T*>(values + reinterpret_cast<uintptr_t>(k) * scale);
   }
+  [[gnu::always_inline]] const T& value(Entry k) const { return *place_of_value(k); }
 
  private:
   static constexpr unsigned scale = sizeof(T) / sizeof(jex_int);

@@ -9,7 +9,8 @@
 // diagonal adds t to y(i) when the row is done.
 #pragma once
 
-#include "simd/prefetch.h"
+#include "simd/gather.h"
+#include "spblas/ahead.h"
 #include "spblas/csr/matrix.h"
 #include "spblas/entry_rule.h"
 #include "spblas/sums.h"
@@ -44,6 +45,26 @@ consteval Method matrix_method(EntryRule rule, Layout layout) {
   return {rule, Order::four, Alpha::sum};
 }
 
+// The sum of a row all of whose entries count. Of one vector of real numbers several entries go in
+// a register: their values lie side by side.
+template <class Group, Part part, Layout layout, class T>
+[[gnu::always_inline]] inline typename Group::Value sum_of_all(const Rows<T>& a, Entry first,
+                                                               Entry last, Dense<const T> x) {
+  const auto term = [&](Entry k) __attribute__((always_inline)) {
+    return Group::load(at_row<layout>(x.p, *k, x.ld), x.ld) *
+           Group::template factor<part == Part::conj>(a.value(k));
+  };
+  if constexpr (std::is_same_v<Group, One<T>> && layout == Layout::column_major && !is_complex<T>)
+    return full_row_sum_in_lanes<T>(
+        first, last,
+        [&](Entry k) __attribute__((always_inline)) {
+          return simd::gather(x.p, k) * Lanes<T>::load(&a.value(k));
+        },
+        term);
+  else
+    return full_row_sum(first, last, Group::zero(), term);
+}
+
 // Row number i with the entries first .. last - 1, for the group of columns at x and y.
 template <class Group, Method method, Layout layout, class T>
 [[gnu::always_inline]] inline void multiply_row(const Rows<T>& a, int i, Entry first, Entry last,
@@ -64,43 +85,44 @@ template <class Group, Method method, Layout layout, class T>
   const auto place = [=](int r) __attribute__((always_inline)) {
     return at_row<layout>(y.p, r, y.ld);
   };
-  const auto row_term = [&](Entry k, int j) __attribute__((always_inline)) {
+  const auto row_term = [&](Entry k, Value xj) __attribute__((always_inline)) {
     Factor f = Group::template factor<rule.row == Part::conj>(a.value(k));
     if constexpr (in_terms) f = Group::scaled(f, scale);
-    return load(j) * f;
+    return xj * f;
   };
-  Value xi;
+  Value xi, mirrored;
   if constexpr (has_mirror) {
-    xi = load(i);
-    if constexpr (scales_vector) xi = xi * scale;
+    mirrored = xi = load(i);
+    if constexpr (scales_vector) mirrored = xi * scale;
   }
   const auto add_mirror = [&](Entry k) __attribute__((always_inline)) {
     Factor f = Group::template factor<rule.mirror == Part::conj>(a.value(k));
     if constexpr (!scales_vector) f = Group::scaled(f, scale);
     T* const to = place(*k);
     const Value old = Group::load(to, y.ld);
-    Group::store(to, y.ld, rule.negative_mirror ? old - xi * f : old + xi * f);
+    Group::store(to, y.ld, rule.negative_mirror ? old - mirrored * f : old + mirrored * f);
   };
   const auto add = [&](Entry k, Value & sum) __attribute__((always_inline)) {
     const int j = *k;
     if constexpr (is_triangle) {
       if (beside<rule.side>(i, j)) {
-        if constexpr (has_row) sum = sum + row_term(k, j);
+        if constexpr (has_row) sum = sum + row_term(k, load(j));
         if constexpr (has_mirror) add_mirror(k);
         return;
       }
       if (strict) return;
     }
     if (rule.side != Side::any && j != i) return;
-    if constexpr (has_row)
-      sum = sum + row_term(k, pinned(j));  // else the address of x(i) would be kept for it
+    if constexpr (has_row && has_mirror)
+      sum = sum + row_term(k, xi);
+    else if constexpr (has_row)
+      sum = sum + row_term(k, load(pinned(j)));  // else the address of x(i) would be kept for it
     else
       add_mirror(k);
   };
   Value sum = has_row && in_terms ? Group::load(place(i), y.ld) : Group::zero();
   if constexpr (rule.side == Side::any && order == Order::four)
-    sum = full_row_sum(
-        first, last, sum, [&](Entry k) __attribute__((always_inline)) { return row_term(k, *k); });
+    sum = sum_of_all<Group, rule.row, layout>(a, first, last, x);
   else
     sum = row_sum<order>(first, last, sum, add);
   T* const yi = place(pinned(i));  // not kept, in a register of the loop, from before
@@ -113,6 +135,13 @@ template <class Group, Method method, Layout layout, class T>
   if constexpr (is_triangle)
     if (unit) sum = sum + load(i) * scale;
   Group::store(yi, y.ld, sum);
+}
+
+// For the row of n entries, or a few more, that begins with entry k.
+template <int n, class T>
+[[gnu::always_inline]] inline void ask_ahead(const Rows<T>& a, Entry k) {
+  ask_for_indices<n>(k);
+  ask_for_values<n>(a.place_of_value(k));
 }
 
 // Rows number first .. last - 1. x and y are those of number 0.
@@ -128,6 +157,7 @@ template <class T, Method method>
     for (int i = first; i < last; i = pinned(i + 1)) {
       if constexpr (!classic) k = a.first(i);
       const Entry row_end = pinned(a.last(i));
+      if constexpr (both) ask_ahead<1>(a, k);  // few entries a row, and y goes by as well
       multiply_row<One<T>, method, Layout::column_major>(a, i, k, row_end, !both && strict,
                                                          !both && unit, alpha, {x, 0}, {y, 0});
       k = row_end;
@@ -159,22 +189,6 @@ template <int fewest, class T>
   int count = fewest;
   while (count < most && ends[count] - begins[count] == n) ++count;
   return count;
-}
-
-// Bytes by which columns and values are asked for before their row. The columns have to be near:
-// where x is scattered, all waits for them. The values would be in the way of x there if they came
-// nearer than the second level.
-inline constexpr int columns_ahead = 1024, values_ahead = 8192;
-// Bytes of values from which that pays: the second level holds what is smaller.
-inline constexpr int large = 1 << 20;
-
-template <int n, class T>
-[[gnu::always_inline]] inline void ask_ahead(const Rows<T>& a, Entry k) {
-  constexpr int line = 64;
-  simd::prefetch(reinterpret_cast<const char*>(k) + columns_ahead);
-  simd::unrolled<(n * sizeof(T) + line - 1) / line>([&](auto part) __attribute__((always_inline)) {
-    simd::prefetch_far(reinterpret_cast<const char*>(&a.value(k)) + values_ahead + part * line);
-  });
 }
 
 // Count rows of n entries each, from entry k on; y_end is the element behind the last one's.
@@ -290,14 +304,14 @@ template <class T, Method method, Layout layout>
   }
 }
 
-// The same, of a general matrix whose columns are scattered one by one.
+// The same. One column of a general matrix, and scattered ones, go by themselves.
 template <class T, Method method, Layout layout>
 [[gnu::noinline]] void multiply_matrix(const Matrix<T>& matrix, int c1, int c2, int m, bool strict,
                                        bool unit, const T& alpha, Dense<const T> b, Dense<T> c) {
   if constexpr (layout == Layout::column_major && method.rule.side == Side::any &&
                 method.rule.mirror == Part::none) {
     const Rows<T> a(matrix);
-    if (is_scattered(a, m)) {
+    if (c2 - c1 == 1 || is_scattered(a, m)) {
       for (int j = c1; j < c2; ++j)
         multiply_rows<T, method>(a, a.base, m + a.base, strict, unit, alpha, b.p + j * b.ld,
                                  c.p + j * c.ld);

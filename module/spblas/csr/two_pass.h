@@ -29,7 +29,7 @@ template <class T, EntryRule rule>
       return Group::template factor<rule.row == Part::conj>(a.value(k));
     };
     const Value sum =
-        full_row_sum(begin, end, Group::zero(), [&](Entry k) { return term(k, row_part(k)); });
+        sum_of_all<Group, rule.row, Layout::column_major>(a, begin, end, Dense<const T>{x, 0});
     Value yi = sum * by + Group::load(y + i, 0);
     const Value xi = Group::load(x + i, 0), t = xi * by;
 
