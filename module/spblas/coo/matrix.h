@@ -39,7 +39,7 @@ struct Entries {
         first(a.columns + begin),
         last(a.columns + end) {}
 
-  [[gnu::always_inline]] int row(Entry k) const {
+  [[gnu::always_inline]] const jex_int& row(Entry k) const {
     return *reinterpret_cast<const jex_int*>(rows + reinterpret_cast<uintptr_t>(k));
   }
   [[gnu::always_inline]] const T& value(Entry k) const {

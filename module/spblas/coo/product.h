@@ -5,12 +5,17 @@
 //
 // Neighbouring entries of one row keep y(i) in a register: through memory each would wait for the
 // store of the one before, which takes longer than the sum.
+//
+// Of a long list, one piece after the other is asked for ahead.
 #pragma once
 
+#include "spblas/ahead.h"
 #include "spblas/coo/matrix.h"
 #include "spblas/entry_rule.h"
 
 namespace jex::spblas::coo {
+
+inline constexpr int piece = 32;  // entries: two cache lines of row or column numbers
 
 template <class Group, EntryRule rule, Layout layout, class T>
 [[gnu::always_inline]] inline void add_entries(const Entries<T>& a, bool strict, const T& alpha,
@@ -29,17 +34,30 @@ template <class Group, EntryRule rule, Layout layout, class T>
   const auto place = [=](int r) __attribute__((always_inline)) {
     return at_row<layout>(y.p, r, y.ld);
   };
+  Entry asked = a.last - a.first > large / int(sizeof(T)) ? a.first : a.last;
   for (Entry k = a.first; k < a.last;) {
+    for (; asked <= k; asked += piece) {
+      ask_for_indices<piece>(asked);
+      ask_for_indices<piece>(&a.row(asked));
+      ask_for_values<piece>(&a.value(asked));
+    }
+    // Pinned: the row is read anew, not kept on the stack from where it was compared.
+    k = pinned(k);
     const int i = pinned(a.row(k));
-    Value sum = Group::load(place(i), y.ld);
+    Value sum = Group::load(place(i), y.ld), xi;
+    if constexpr (has_mirror) xi = load(i);
     const auto add = [&](Entry k) __attribute__((always_inline)) {
       const int j = *k;
-      const bool beside_diagonal = is_triangle && beside<rule.side>(i, j);
-      if (rule.side != Side::any && !beside_diagonal && (j != i || strict)) return;
+      const bool is_beside = is_triangle && beside<rule.side>(i, j);
+      if (rule.side != Side::any && !is_beside && (j != i || strict)) return;
+      if (has_mirror && !is_beside) {
+        sum = sum + xi * part.template operator()<rule.row>(k);
+        return;
+      }
       sum = sum + load(j) * part.template operator()<rule.row>(k);
-      if (has_mirror && beside_diagonal) {
+      if constexpr (has_mirror) {
         T* const to = place(j);
-        const Value mirror = load(i) * part.template operator()<rule.mirror>(k);
+        const Value mirror = xi * part.template operator()<rule.mirror>(k);
         const Value old = Group::load(to, y.ld);
         Group::store(to, y.ld, rule.negative_mirror ? old - mirror : old + mirror);
       }
