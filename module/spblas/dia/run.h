@@ -52,9 +52,14 @@ struct Term {
 };
 
 inline constexpr int shortest_wide_run = 9;
-// Bytes by which a diagonal is asked for before its elements are needed: the many streams are more
-// than the processor follows by itself.
-inline constexpr int ahead = 512;
+// Bytes by which elements are asked for before their turn: the many streams are more than the
+// processor follows by itself. So long takes memory, at the pace of five diagonals.
+inline constexpr int ahead = 1536;
+template <class T>
+[[gnu::always_inline]] inline void ask_ahead(const T* p) {
+  simd::prefetch(reinterpret_cast<const char*>(p) + ahead);
+}
+
 // element(i) for single elements, eight(i) for i .. i + 7; y is what the run writes.
 template <class T, class Element, class Eight>
 [[gnu::always_inline]] inline void for_run(int n, const T* y, Element element, Eight eight) {
@@ -73,6 +78,9 @@ template <class T, class Operation>
   constexpr int width = Lanes<T>::count;
   constexpr int sums_at_once = std::min(8 / width, is_complex<T> ? 2 : 4);
   const Operation apply = operation;
+  // Of x as well what no diagonal has met yet; the others follow.
+  const T* farthest = terms[0].x;
+  for (int k = 1; k < count; ++k) farthest = std::max(farthest, terms[k].x);
   for_run(
       n, y,
       [&](int i) __attribute__((always_inline)) {
@@ -86,12 +94,14 @@ template <class T, class Operation>
         simd::unrolled<8 / width / sums_at_once>([&](auto part) __attribute__((always_inline)) {
           const int at = i + part * sums_at_once * width;
           Lanes<T> sums[sums_at_once];
+          ask_ahead(farthest + at);
+          ask_ahead(y + at);
           simd::unrolled<sums_at_once>([&](auto r) __attribute__((always_inline)) {
             sums[r] = Lanes<T>::load(y + at + r * width);
           });
           for (int k = 0; k < count; ++k) {
             const T *const x = terms[k].x + at, *const a = terms[k].a + at;
-            simd::prefetch(reinterpret_cast<const char*>(a) + ahead);
+            ask_ahead(a);
             simd::unrolled<sums_at_once>([&](auto r) __attribute__((always_inline)) {
               sums[r] = simd::pinned(
                   apply(sums[r], Lanes<T>::load(x + r * width), Lanes<T>::load(a + r * width)));
