@@ -36,17 +36,65 @@ class Scratch {
   T* p_;
 };
 
-// Rows of banded matrices come in order already.
-inline void sort_columns(jex_int* columns, int count) {
-  if (std::is_sorted(columns, columns + count)) return;
-  if (count > 24) return std::sort(columns, columns + count);
-  for (int k = 1; k < count; ++k) {
-    const jex_int column = columns[k];
-    int to = k;
-    for (; to > 0 && columns[to - 1] > column; --to) columns[to] = columns[to - 1];
-    columns[to] = column;
+// Sorts the columns of a row, each there once. Many are written down as bits and read back: of
+// numbers that come at random, a comparison is guessed wrong every other time. Before the words
+// with the bits stand those of the groups: a bit of theirs tells that a word holds some.
+class ColumnSorter {
+ public:
+  // Columns 0 .. last.
+  explicit ColumnSorter(int last) : group_count_(last / 1024 + 1), words_(33 * group_count_) {
+    if (has_memory()) memset(words_.get(), 0, 33 * group_count_ * sizeof(uint32_t));
   }
-}
+  bool has_memory() const { return words_.get(); }
+
+  void sort(jex_int* columns, int count) {
+    // Rows of banded matrices come in order already.
+    if (std::is_sorted(columns, columns + count)) return;
+    if (count <= few)
+      insert(columns, count);
+    else if (group_count_ <= most_groups * count)
+      write_and_read(columns, count);
+    else
+      std::sort(columns, columns + count);
+  }
+
+ private:
+  static constexpr int few = 24;
+  // Groups looked through for each column, before sorting is quicker.
+  static constexpr int most_groups = 16;
+
+  static void insert(jex_int* columns, int count) {
+    for (int k = 1; k < count; ++k) {
+      const jex_int column = columns[k];
+      int to = k;
+      for (; to > 0 && columns[to - 1] > column; --to) columns[to] = columns[to - 1];
+      columns[to] = column;
+    }
+  }
+  // take(number) for the bits of a word, upwards; it is cleared. The lowest is cut out and counted
+  // from above: what counts from below is compiled to an instruction beyond SSE3.
+  template <class Take>
+  static void take_bits(uint32_t& word, int first, Take take) {
+    for (uint32_t left = word; left; left &= left - 1)
+      take(first + (31 - __builtin_clz(left & -left)));
+    word = 0;
+  }
+  void write_and_read(jex_int* columns, int count) {
+    uint32_t *const groups = words_.get(), *const bits = groups + group_count_;
+    for (int k = 0; k < count; ++k) {
+      const uint32_t column = columns[k], word = column / 32;
+      bits[word] |= 1u << column % 32;
+      groups[word / 32] |= 1u << word % 32;
+    }
+    for (int g = 0; g < group_count_; ++g)
+      take_bits(groups[g], 32 * g, [&](int word) {
+        take_bits(bits[word], 32 * word, [&](int column) { *columns++ = column; });
+      });
+  }
+
+  const int group_count_;
+  const Scratch<uint32_t> words_;
+};
 
 // The result, and how much of it is wanted.
 template <class T>
@@ -96,7 +144,8 @@ jex_int sum_rows(int m, int n, const Result<T>& c, Terms terms) {
   };
   const Scratch<Cell> scratch(int64_t(n) + 1);
   Cell* const cells = scratch.get();
-  if (!cells) return no_memory;
+  ColumnSorter sorter(n);
+  if (!cells || !sorter.has_memory()) return no_memory;
   for (int j = 0; j <= n; ++j) cells[j].row = 0;
   c.rows[0] = 1;
   jex_int* const columns = c.columns;
@@ -118,7 +167,7 @@ jex_int sum_rows(int m, int n, const Result<T>& c, Terms terms) {
           }
         });
     if (count > room) return number;
-    sort_columns(columns + first, count - first);
+    sorter.sort(columns + first, count - first);
     for (int k = first; k < count; ++k) c.values[k] = cells[columns[k]].sum;
     c.rows[i + 1] = count + 1;
   }
