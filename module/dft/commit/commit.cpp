@@ -10,26 +10,31 @@ namespace {
 
 // What a descriptor keeps when it is committed again.
 struct Kept {
-  void *a, *b, *c;
-  int32_t cleanup;
+  void *a = nullptr, *b = nullptr, *c = nullptr;
+  int32_t cleanup = 0;
 
   static Kept take(Record& d) {
     const Kept kept{get(d, aux_buffer_a), get(d, aux_buffer_b), get(d, aux_buffer_c),
                     get(d, cleanup_pending)};
-    kept_of(d, {});
+    Kept().put_into(d);
     return kept;
   }
-  static void kept_of(Record& d, const Kept& kept) {
-    set(d, aux_buffer_a, kept.a);
-    set(d, aux_buffer_b, kept.b);
-    set(d, aux_buffer_c, kept.c);
-    set(d, cleanup_pending, kept.cleanup);
+  void put_into(Record& record) const {
+    set(record, aux_buffer_a, a);
+    set(record, aux_buffer_b, b);
+    set(record, aux_buffer_c, c);
+    set(record, cleanup_pending, cleanup);
   }
 };
 
+// What the dimensions of a transform share.
 void copy_settings(const Record& from, Record& to) {
-  for (const int word : {12, 13, 14, 15, 16, 17, 18, 19, 23, 24, 25, 26, 45, 46, 47, 48})
-    to.word[word] = from.word[word];
+  const auto copy = [&](int first, int last) {
+    for (int word = first; word <= last; ++word) to.word[word] = from.word[word];
+  };
+  copy(JEX_DFT_WORD_12, JEX_DFT_PLACEMENT);
+  copy(JEX_DFT_WORD_23, JEX_DFT_TRANSPOSE);
+  copy(JEX_DFT_INPUT_OFFSET, JEX_DFT_OUTPUT_DISTANCE);
 }
 
 template <class T>
@@ -114,7 +119,7 @@ int32_t commit(Record& d, int32_t domain, bool whole_chain) {
   set(d, backward_entry, nullptr);
   const Kept kept = Kept::take(d);
   release_chain(d);
-  Kept::kept_of(d, kept);
+  kept.put_into(d);
   if (const int32_t status = plan_all<T>(d)) {
     set(d, commit_state, JEX_DFT_UNCOMMITTED);
     return status;
