@@ -355,18 +355,23 @@ requires std::is_scalar_v<T>
   return sum;
 }
 
-// sum += factor * a[0 ..], where a is a multiple of 16 and the product is taken from memory.
+// sum += factor * a[0 ..], where a is a multiple of 16 and the product is taken from memory. The
+// statement works on a copy: a sum that it named itself might be left in memory, in an array.
 [[gnu::always_inline]] inline void accumulate_product(Lanes<float>& sum, Lanes<float> factor,
                                                       const float* a) {
+  auto v = sum.v;
   asm("mulps %2, %1\n\taddps %1, %0"
-      : "+x"(sum.v), "+x"(factor.v)
+      : "+x"(v), "+x"(factor.v)
       : "m"(*reinterpret_cast<const __m128*>(a)));
+  sum.v = v;
 }
 [[gnu::always_inline]] inline void accumulate_product(Lanes<double>& sum, Lanes<double> factor,
                                                       const double* a) {
+  auto v = sum.v;
   asm("mulpd %2, %1\n\taddpd %1, %0"
-      : "+x"(sum.v), "+x"(factor.v)
+      : "+x"(v), "+x"(factor.v)
       : "m"(*reinterpret_cast<const __m128d*>(a)));
+  sum.v = v;
 }
 
 // A load from any address that stays where it stands.
@@ -379,6 +384,30 @@ requires std::is_scalar_v<T>
   Lanes<double> lane;
   asm("movupd %1, %0" : "=x"(lane.v) : "m"(*reinterpret_cast<const double(*)[2]>(a)));
   return lane;
+}
+
+// A load from a multiple of 16 that stays where it stands.
+[[gnu::always_inline]] inline Lanes<float> loaded_aligned(const float* a) {
+  __m128 v;
+  asm("movaps %1, %0" : "=x"(v) : "m"(*reinterpret_cast<const __m128*>(a)));
+  return {v};
+}
+[[gnu::always_inline]] inline Lanes<double> loaded_aligned(const double* a) {
+  __m128d v;
+  asm("movapd %1, %0" : "=x"(v) : "m"(*reinterpret_cast<const __m128d*>(a)));
+  return {v};
+}
+
+// The number in every element of a register, loaded where the call stands.
+[[gnu::always_inline]] inline Lanes<float> repeated(const float* b) {
+  __m128 v;
+  asm("movss %1, %0\n\tshufps $0, %0, %0" : "=x"(v) : "m"(*b));
+  return {v};
+}
+[[gnu::always_inline]] inline Lanes<double> repeated(const double* b) {
+  __m128d v;
+  asm("movddup %1, %0" : "=x"(v) : "m"(*b));
+  return {v};
 }
 
 // sum += b[0] * lane, the number in every element of a register.

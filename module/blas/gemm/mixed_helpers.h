@@ -13,13 +13,13 @@ void mixed_block_info(jex_int* rows, jex_int* columns, jex_int* steps, jex_int* 
   *rows = rows_in_block<R>(*steps);
   *columns = staged_columns<R> / MixedScheme<T>::parts;
   *a_bytes = jex_int(*rows / Lanes<R>::count * lane_stride<R>(*steps) * sizeof(R));
-  *b_bytes = jex_int(staged_columns<R> * padded(*steps) * Lanes<R>::count * sizeof(R));
+  *b_bytes = jex_int(staged_columns<R> * *steps * Lanes<R>::count * sizeof(R));
 }
 
 template <class T>
 void mixed_copy_a(Op op, int rows, int steps, const Real<T>* a, int lda, Real<T>* packed) {
   if (rows < 1 || steps < 1) return;
-  pack_a<0>(MixedScheme<T>{}, {a, lda, op}, rows, steps, packed);
+  pack_a<0>(MixedScheme<T>{T{}}, {a, lda, op}, rows, steps, packed);
 }
 
 template <class T>
@@ -32,8 +32,9 @@ template <class T>
 void mixed_inner(int rows, int columns, int steps, const Real<T>* packed, const Real<T>* staged,
                  T* c, int ldc) {
   if (rows < 1 || columns < 1 || steps < 1) return;
-  add_block<0, First::accumulate>(MixedScheme<T>{}, packed, rows, staged,
-                                  columns * MixedScheme<T>::parts, padded(steps), c, ldc);
+  using Scheme = MixedScheme<T>;
+  add_block<0, First::accumulate, Source::staged>(
+      Scheme{T{}}, packed, rows, staged_block<Scheme>(staged, steps), columns, steps, c, ldc);
 }
 
 }  // namespace jex::blas

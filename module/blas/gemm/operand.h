@@ -20,6 +20,14 @@ struct WantedRows {
         to(wanted == Wanted::upper ? std::min(j + columns, rows) : rows) {}
 };
 
+// The same of rows i .. i + rows - 1 alone, from the i-th on, in whole lanes of so many rows.
+struct WantedLanes {
+  int skipped, rows;
+  WantedLanes(const WantedRows& wanted, int i, int rows, int height)
+      : skipped(std::max(wanted.from - i, 0) / height * height),
+        rows(std::min((wanted.to - i + height - 1) / height * height, rows) - skipped) {}
+};
+
 template <class T>
 struct Operand {
   const T* x;

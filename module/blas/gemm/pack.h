@@ -2,24 +2,20 @@
 #pragma once
 
 #include "blas/gemm/scheme.h"
-#include "blas/gemm/tuning.h"
+#include "blas/gemm/tile.h"
 
 #include <algorithm>
 
 namespace jex::blas {
 
-inline int padded(int steps) {
-  return (steps + unrolled_steps - 1) / unrolled_steps * unrolled_steps;
-}
-
 // Numbers from one lane of a packed block to the next.
 template <class R>
 inline ptrdiff_t lane_stride(int steps) {
-  return ptrdiff_t(padded(steps) + 1) * Lanes<R>::count;
+  return ptrdiff_t(steps + 1) * Lanes<R>::count;
 }
 
 // Packs alpha op(A), rows x steps, in lanes. The rows of the last lane that A does not have are
-// zero, and so are the steps up to the padded number.
+// zero.
 template <int plane, class Scheme>
 [[gnu::noinline]] void pack_a(const Scheme& scheme, Operand<typename Scheme::A> a, int rows,
                               int steps, typename Scheme::R* packed) {
@@ -51,9 +47,22 @@ template <int plane, class Scheme>
   int step = 0;
   for (; step + 4 <= steps; step += 4) pack_steps(step, std::integral_constant<int, 4>());
   for (; step < steps; ++step) pack_steps(step, std::integral_constant<int, 1>());
-  if (step == padded(steps)) return;
-  for (int lane = 0; lane * height < rows; ++lane)
-    std::fill_n(packed + lane * stride + step * width, (padded(steps) - step) * width, R(0));
+}
+
+// Columns of B where they are stored.
+template <class Scheme>
+inline RealColumns<typename Scheme::R> stored_columns(const Operand<typename Scheme::C>& b) {
+  constexpr int parts = Scheme::parts;
+  return {reinterpret_cast<const typename Scheme::R*>(b.x), b.row_distance() * parts, 1,
+          b.column_distance() * parts};
+}
+
+// Staged columns of so many steps.
+template <class Scheme>
+inline RealColumns<typename Scheme::R> staged_block(const typename Scheme::R* staged, int steps) {
+  constexpr int width = Lanes<typename Scheme::R>::count;
+  const ptrdiff_t length = ptrdiff_t(steps) * width;
+  return {staged, width, length, Scheme::parts * length};
 }
 
 // Stages op(B), steps x columns: each real column one after another, every number in a whole lane.
@@ -63,7 +72,7 @@ template <int plane, class Scheme>
   using R = typename Scheme::R;
   using C = typename Scheme::C;
   constexpr int width = Lanes<R>::count;
-  const ptrdiff_t length = ptrdiff_t(padded(steps)) * width, row = b.row_distance(),
+  const ptrdiff_t length = ptrdiff_t(steps) * width, row = b.row_distance(),
                   column = b.column_distance();
   const bool conjugated = b.conjugates();
   const auto stage = [&](const C* p, R* to) __attribute__((always_inline)) {
@@ -86,9 +95,6 @@ template <int plane, class Scheme>
     R* to = staged + j * next;
     for (int step = 0; step < steps; ++step, p += row, to += width) stage(p, to);
   }
-  if (const int missing = padded(steps) - steps)
-    for (int r = 0; r < columns * Scheme::parts; ++r)
-      std::fill_n(staged + r * length + ptrdiff_t(steps) * width, missing * width, R(0));
 }
 
 // Packs op(B), steps x columns, by groups of four columns, and within a group by steps:
@@ -104,14 +110,13 @@ template <class T>
     const T* p = b.x + j * column;
     for (int step = 0; step < steps; ++step, p += row, packed += 4)
       unrolled<4>([&](auto k) __attribute__((always_inline)) { packed[k] = p[k * column]; });
-    packed += (padded(steps) - steps) * 4;
   }
 }
 
 // The group of four columns from column j on.
 template <class T>
 inline Operand<T> packed_group(const T* packed, int steps, int j) {
-  return {packed + ptrdiff_t(padded(steps)) * j, 4, Op::transpose};
+  return {packed + ptrdiff_t(steps) * j, 4, Op::transpose};
 }
 
 }  // namespace jex::blas

@@ -28,17 +28,16 @@ namespace jex::blas {
 
 using namespace simd;
 
-// What becomes of C in the first block of steps.
+// What becomes of C in the first block of steps; beta comes in there.
 enum class First { overwrite, accumulate, general };
 
-// A, B and C of one real type; beta comes in with the first product.
-template <class T, First first_>
+// A, B and C of one real type.
+template <class T>
 struct RealScheme {
   using A = T;
   using C = T;
   using R = T;
   static constexpr int planes = 1, parts = 1, lane_rows = Lanes<T>::count;
-  static constexpr First first = first_;
   T alpha, beta;
 
   template <int plane>
@@ -50,7 +49,7 @@ struct RealScheme {
     return b;
   }
   template <int plane, int part, First now>
-  void store(Lanes<R> v, T* c) const {
+  [[gnu::always_inline]] void store(Lanes<R> v, T* c) const {
     if constexpr (now == First::accumulate) v = Lanes<R>::load(c) + v;
     if constexpr (now == First::general) v = v + Lanes<R>::load(c) * Lanes<R>::all(beta);
     v.store(c);
@@ -61,22 +60,30 @@ template <class T>
 struct ComplexBase {
   using C = T;
   using R = Real<T>;
-  static constexpr First first = First::accumulate;  // C is scaled before
-  T alpha{};
+  T alpha;
+  Factor<T> beta;
 
+  explicit ComplexBase(T alpha, T beta = {}) : alpha(alpha), beta(beta) {}
   static R sign(bool conjugated) { return conjugated ? R(-1) : R(1); }
   Lanes<T> scaled(Lanes<T> a, bool conjugated) const {
     if (conjugated) a = conjugate(a);
     return is_one(alpha) ? a : a * Factor<T>(alpha);
   }
+  // What v is added to.
+  template <First now>
+  [[gnu::always_inline]] Lanes<R> old(const C* c) const {
+    if constexpr (now == First::overwrite) return Lanes<R>::zero();
+    const auto c_old = Lanes<T>::load(c);
+    return now == First::general ? (c_old * beta).parts : c_old.parts;
+  }
   // C := C + (re v, im v) for lane_rows = Lanes<R>::count elements, v times the signs of the parts.
-  template <int re, int im>
-  static void spread(Lanes<R> v, C* c) {
+  template <int re, int im, First now>
+  [[gnu::always_inline]] void spread(Lanes<R> v, C* c) const {
     const auto signs = Lanes<T>::all({R(re), R(im)}).parts;
     constexpr unsigned kept = (re ? 5u : 0u) | (im ? 10u : 0u);
     const auto add = [&](C* c, Lanes<R> doubled) {
       const auto term = re && im ? doubled * signs : keep<kept>(doubled);
-      (Lanes<R>::load(&c->re) + term).store(&c->re);
+      (old<now>(c) + term).store(&c->re);
     };
     add(c, low_in_turn(v, v));
     add(c + Lanes<T>::count, high_in_turn(v, v));
@@ -88,18 +95,23 @@ struct ComplexScheme : ComplexBase<T> {
   using A = T;
   using typename ComplexBase<T>::R;
   static constexpr int planes = 1, parts = 2, lane_rows = Lanes<T>::count;
+  bool conjugates_b;
 
+  ComplexScheme(T alpha, T beta, bool conjugates_b)
+      : ComplexBase<T>(alpha, beta), conjugates_b(conjugates_b) {}
   template <int plane>
   Lanes<R> lane(const A* a, ptrdiff_t inc, bool conjugated) const {
     return this->scaled(inc == 1 ? Lanes<T>::load(a) : Lanes<T>::gather(a, inc), conjugated).parts;
   }
+  // B is read as it is; sums of its imaginary parts change their sign if it is conjugated.
   template <int plane, int part>
-  R factor(T b, bool conjugated) const {
-    return part == 0 ? b.re : b.im * this->sign(conjugated);
+  R factor(T b, bool) const {
+    return part == 0 ? b.re : b.im;
   }
-  template <int plane, int part, First>
-  void store(Lanes<R> v, T* c) const {
-    const auto old = Lanes<R>::load(&c->re);
+  template <int plane, int part, First now>
+  [[gnu::always_inline]] void store(Lanes<R> v, T* c) const {
+    const auto old = this->template old<now>(c);
+    if (part == 1 && conjugates_b) v = Lanes<R>::zero() - v;
     (part == 0 ? old + v : add_alternating(old, swap_parts(v))).store(&c->re);
   }
 };
@@ -108,6 +120,7 @@ struct ComplexScheme : ComplexBase<T> {
 template <class T>
 struct MixedScheme : ComplexBase<T> {
   using typename ComplexBase<T>::R;
+  using ComplexBase<T>::ComplexBase;
   using A = R;
   static constexpr int planes = 1, parts = 2, lane_rows = Lanes<R>::count;
 
@@ -121,9 +134,9 @@ struct MixedScheme : ComplexBase<T> {
     if (!is_one(this->alpha)) b = multiply(b, this->alpha);
     return part == 0 ? b.re : b.im;
   }
-  template <int plane, int part, First>
-  void store(Lanes<R> v, T* c) const {
-    this->template spread<part == 0, part == 1>(v, c);
+  template <int plane, int part, First now>
+  [[gnu::always_inline]] void store(Lanes<R> v, T* c) const {
+    this->template spread<part == 0, part == 1, now>(v, c);
   }
 };
 
@@ -131,6 +144,7 @@ template <class T>
 struct ThreeProducts : ComplexBase<T> {
   using A = T;
   using typename ComplexBase<T>::R;
+  using ComplexBase<T>::ComplexBase;
   static constexpr int planes = 3, parts = 1, lane_rows = Lanes<R>::count;
 
   template <int plane>
@@ -151,14 +165,14 @@ struct ThreeProducts : ComplexBase<T> {
     const R im = b.im * this->sign(conjugated);
     return plane == 0 ? b.re : plane == 1 ? im : b.re + im;
   }
-  template <int plane, int part, First>
-  void store(Lanes<R> v, T* c) const {
+  template <int plane, int part, First now>
+  [[gnu::always_inline]] void store(Lanes<R> v, T* c) const {
     if constexpr (plane == 0)
-      this->template spread<1, -1>(v, c);
+      this->template spread<1, -1, now>(v, c);
     else if constexpr (plane == 1)
-      this->template spread<-1, -1>(v, c);
+      this->template spread<-1, -1, now>(v, c);
     else
-      this->template spread<0, 1>(v, c);
+      this->template spread<0, 1, now>(v, c);
   }
 };
 

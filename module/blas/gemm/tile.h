@@ -11,14 +11,15 @@
 // The spare register between two lanes keeps their streams from meeting in one bank of the cache:
 // without it six streams that are 2 KiB apart run a quarter slower.
 //
-// Staged B: columns one after another, and within a column its steps, each number as often as a
+// B staged: columns one after another, and within a column its steps, each number as often as a
 // lane has numbers.
 //
 //   column 0  | b00 b00 | b10 b10 | b20 b20 | ...
 //   column 1  | b01 b01 | b11 b11 | ...
 //
-// Each element of the tile has one sum, from the first step to the last. steps is a multiple of
-// unrolled_steps, and at least that.
+// B stored: where it is, by columns or by rows; each number is repeated as it is loaded.
+//
+// Each element of the tile has one sum, from the first step to the last.
 #pragma once
 
 #include "blas/gemm/tuning.h"
@@ -30,74 +31,53 @@ namespace jex::blas {
 
 using namespace simd;
 
-// One step of six lanes by one column: s_i += factor * lane_i. The instructions stand in the order
-// in which they are fetched best; left to itself the compiler spends two registers and three
-// instructions more on addresses, and a tenth of the time.
-template <int offset, class R>
-[[gnu::always_inline]] inline void add_step(Lanes<R> (&s)[6], const R* low, const R* high,
-                                            ptrdiff_t bytes, const R* b) {
-#define JEX_PRODUCT(type, factor, lane, sum) \
-  "mul" type " %c[at](" lane "), " factor "\n\tadd" type " " factor ", " sum "\n\t"
-#define JEX_COPIED_PRODUCT(type, lane, sum) \
-  "movaps %[f], %[t]\n\t" JEX_PRODUCT(type, "%[t]", lane, sum)
-#define JEX_STEP(type)                                                                     \
-  asm("movaps %c[at](%[b]), %[f]\n\t" JEX_COPIED_PRODUCT(type, "%[low]", "%[s0]")          \
-          JEX_COPIED_PRODUCT(type, "%[low],%[d]", "%[s1]") JEX_COPIED_PRODUCT(             \
-              type, "%[low],%[d],2", "%[s2]") JEX_COPIED_PRODUCT(type, "%[high]", "%[s3]") \
-              JEX_COPIED_PRODUCT(type, "%[high],%[d]", "%[s4]")                            \
-                  JEX_PRODUCT(type, "%[f]", "%[high],%[d],2", "%[s5]")                     \
-      : [s0] "+x"(s[0].v), [s1] "+x"(s[1].v), [s2] "+x"(s[2].v), [s3] "+x"(s[3].v),        \
-        [s4] "+x"(s[4].v), [s5] "+x"(s[5].v), [f] "=&x"(f), [t] "=&x"(t)                   \
-      : [low] "r"(low), [high] "r"(high), [d] "r"(bytes), [b] "r"(b), [at] "i"(offset),    \
-        "m"(*(const char(*)[])low), "m"(*(const char(*)[])b))
-  decltype(s[0].v) f, t;
-  if constexpr (sizeof(R) == 8)
-    JEX_STEP("pd");
-  else
-    JEX_STEP("ps");
-#undef JEX_STEP
-#undef JEX_COPIED_PRODUCT
-#undef JEX_PRODUCT
-}
+// Real columns of B: how far it is, in real numbers, from a step to the next one, from the real
+// part of a column of complex numbers to the imaginary one, and from a column to the next one.
+enum class Source { staged, by_columns, by_rows };
+template <class R>
+struct RealColumns {
+  const R* b;
+  ptrdiff_t to_step, to_part, to_column;
+};
 
-template <int lanes, int columns, class R>
+// Real columns first .. first + columns - 1 of b, whose columns have so many parts.
+template <int lanes, int columns, int first, int parts, Source source, class R>
 [[gnu::always_inline]] inline void sum_tile(Lanes<R> (&sum)[lanes * columns], const R* a,
-                                            ptrdiff_t stride, const R* b, int steps) {
+                                            ptrdiff_t stride, const RealColumns<R>& b, int steps) {
   constexpr int width = Lanes<R>::count;
   Lanes<R> s[lanes * columns];
   unrolled<lanes * columns>([&](auto i) { s[i] = pinned(Lanes<R>::zero()); });
-  // Two pointers and one distance reach six lanes by scaled addresses.
-  const R *low = a, *high = a + 3 * stride;
-  const ptrdiff_t bytes = stride * ptrdiff_t(sizeof(R));
-  const ptrdiff_t column = ptrdiff_t(steps) * width;
-  const R* const end = b + column;
-  do {
-    const R *const l = pinned(low), *const h = lanes > 3 ? pinned(high) : nullptr;
-    const auto lane = [=](int i) __attribute__((always_inline)) {
-      return (const R*)(i < 3 ? (const char*)l + i * bytes : (const char*)h + (i - 3) * bytes);
-    };
-    unrolled<unrolled_steps>([&](auto u) __attribute__((always_inline)) {
-      if constexpr (lanes == 6) {
-        add_step<u * 16>(s, l, h, bytes, b);
-      } else if constexpr (columns == 1) {
-        const auto factor = pinned(Lanes<R>::load_aligned(b + u * width));
+  // Two pointers and one distance reach six lanes by scaled addresses, made anew in each step: sums
+  // of them that are kept would take the registers of others.
+  const R *low = a, *high = a + 3 * stride, *factors = b.b;
+  ptrdiff_t bytes = stride * ptrdiff_t(sizeof(R));
+  const ptrdiff_t to_step = source == Source::staged       ? width
+                            : source == Source::by_columns ? parts
+                                                           : b.to_step;
+  const ptrdiff_t to_part = source == Source::staged ? b.to_part : 1, to_column = b.to_column;
+  const auto walk = [&](auto count) __attribute__((always_inline)) {
+    unrolled<count>([&](auto u) __attribute__((always_inline)) {
+      low = pinned(low), bytes = pinned(bytes);
+      if constexpr (lanes > 3) high = pinned(high);
+      unrolled<columns>([&](auto j) __attribute__((always_inline)) {
+        const R* const b =
+            factors + (first + j) / parts * to_column + (first + j) % parts * to_part + u * to_step;
+        const auto factor = source == Source::staged ? loaded_aligned(b) : repeated(b);
         unrolled<lanes>([&](auto i) __attribute__((always_inline)) {
-          accumulate_product(s[i], factor, lane(i) + u * width);
+          const char* const lane = (const char*)(i < 3 ? low : high) + i % 3 * bytes;
+          accumulate_product(s[i * columns + j], factor, (const R*)lane + u * width);
         });
-      } else {
-        unrolled<lanes>([&](auto i) __attribute__((always_inline)) {
-          const auto row = pinned(Lanes<R>::load_aligned(lane(i) + u * width));
-          unrolled<columns>([&](auto j) __attribute__((always_inline)) {
-            accumulate_product(s[i * columns + j], row, b + j * column + u * width);
-          });
-        });
-      }
+      });
     });
-    low = l + unrolled_steps * width;
-    if constexpr (lanes > 3) high = h + unrolled_steps * width;
-    b += unrolled_steps * width;
-  } while (b != end);
-  unrolled<lanes * columns>([&](auto i) { sum[i] = s[i]; });
+    low += count * width;
+    if constexpr (lanes > 3) high += count * width;
+    factors += count * to_step;
+  };
+  const R* const end = a + ptrdiff_t(steps) / unrolled_steps * unrolled_steps * width;
+  while (low != end) walk(std::integral_constant<int, unrolled_steps>());
+  for (int rest = steps % unrolled_steps; rest > 0; --rest) walk(std::integral_constant<int, 1>());
+  // Registers of the loop end here: what is done with the sums may need more than there are.
+  unrolled<lanes * columns>([&](auto i) { sum[i] = pinned(s[i]); });
 }
 
 }  // namespace jex::blas

@@ -16,7 +16,7 @@ using namespace simd;
 // the latency of the adds; a tile of two columns loads more, one of four lanes waits more.
 inline constexpr int tile_lanes = 6;
 
-// Steps of k by which tiles are unrolled; packed blocks are padded with zeros to a multiple.
+// Steps of k by which tiles are unrolled.
 inline constexpr int unrolled_steps = 4;
 
 // Real columns of B whose factors are staged at once. Four double columns stay in the first-level
@@ -46,14 +46,39 @@ inline constexpr int packed_columns = 2000;
 // Problems with so narrow a side are not packed.
 inline bool is_small(int m, int n, int k) { return m < 4 || k < 8 || n < 8; }
 
-// Nor are those with so few products, in a single block of steps: packing would take longer than it
-// saves. The sums are the same, bit for bit.
+// Steps of k in a block that is multiplied without a buffer: a panel of A is 12 KiB on the stack.
+inline constexpr int light_steps = 128;
+
+// Nothing is packed for so few products: packing a panel would take longer than it saves. In single
+// precision it saves more, a shuffle for each product; where a lane is one complex number, A can be
+// read as it is. The edge of a triangle cuts single lanes there and parts of panels later. The sums
+// are the same, bit for bit.
+template <class T>
+inline bool is_tiny(int m, int n, int k, bool triangle) {
+  constexpr bool single = sizeof(Real<T>) == 4;
+  constexpr int all = is_complex<T> ? (single ? 10 : 44) : single ? 14 : 24;
+  constexpr int part = is_complex<T> ? (single ? 20 : 88) : single ? 36 : 48;
+  const int order = triangle ? part : all;
+  return k <= light_steps && int64_t(m) * n * k <= order * order * order;
+}
+
+// And only panels of A for so few: B is read where it is. In single precision the shuffle that
+// repeats a number costs more than staging from there on.
 template <class T>
 inline bool is_light(int m, int n, int k) {
-  constexpr int most = sizeof(Real<T>) == 4 ? 36 * 36 * 36
-                       : is_complex<T>      ? 48 * 48 * 48
-                                            : 40 * 40 * 40;
-  return k <= 128 && int64_t(m) * n * k <= most;
+  constexpr int most = sizeof(Real<T>) == 4 ? 80 * 80 * 80 : 120 * 120 * 120;
+  return k <= light_steps && int64_t(m) * n * k <= most;
+}
+
+// Three real products for four save nothing on so few: each has its own packing, and C is added to
+// three times.
+inline bool is_light_for_three(int m, int n, int k) { return int64_t(m) * n * k <= 48 * 48 * 48; }
+
+// Numbers that are so far apart meet in four sets of the first-level cache, or fewer; more than
+// twelve of them push each other out.
+template <class T>
+inline bool would_meet(int ld, int count) {
+  return count > 12 && ld % int(1024 / sizeof(T)) == 0;
 }
 
 }  // namespace jex::blas

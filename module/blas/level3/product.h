@@ -12,8 +12,7 @@ template <class T>
 inline void product(int m, int n, int k, const T& alpha, const Operand<T>& a, const Operand<T>& b,
                     const T& beta, T* c, int ldc, Wanted wanted = Wanted::all) {
   if constexpr (is_complex<T>)
-    complex_gemm<ComplexScheme>(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc,
-                                wanted);
+    gemm4(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc, wanted);
   else
     gemm(a.op, b.op, m, n, k, alpha, a.x, a.ld, b.x, b.ld, beta, c, ldc, wanted);
 }

@@ -128,6 +128,19 @@ TEST(Gemm, BlocksInAllDirections) {
   }
 }
 
+// B read across its columns, with rows that meet in the cache or do not, by every way: the last
+// step and the last row have no neighbour.
+TEST(Gemm, BAcrossItsColumns) {
+  Random random(2);
+  for (const int n : {256, 257})
+    for (const int mk : {9, 19, 45}) {
+      check_real<double>(jex_blas_xdgemm, 128, {mk, n, mk, 'N', 'T', 1, -0.5}, random,
+                         Values::plain);
+      check_real<float>(jex_blas_xsgemm, single_block(), {mk, n, mk, 'T', 'T', 0.5f, 0}, random,
+                        Values::special);
+    }
+}
+
 // Error of an element in units of eps times the sum of the magnitudes of its terms.
 template <class TA, class T, class Entry>
 void check_complex(Entry entry, bool by_parts) {
@@ -247,11 +260,11 @@ TEST_F(GemmMemory, BufferIsGivenBack) {
     multiply();
     EXPECT_EQ(held(), first);
   };
-  twice([] { multiply_ones<double>(jex_blas_xdgemm, 60); }, 60 * 1024 + 551168);
+  twice([] { multiply_ones<double>(jex_blas_xdgemm, 140); }, 140 * 1024 + 551168);
   const uint32_t single = single_block() * (256 + 2048) + 16512;
-  twice([] { multiply_ones<float>(jex_blas_xsgemm, 60); }, single);
-  twice([] { multiply_ones<jex_scomplex>(jex_blas_xcgemm, 60); }, single);
-  twice([] { multiply_ones<jex_dcomplex>(jex_blas_xzgemm, 60); }, 128 * (4096 + 64) + 16512);
+  twice([] { multiply_ones<float>(jex_blas_xsgemm, 140); }, single);
+  twice([] { multiply_ones<jex_scomplex>(jex_blas_xcgemm, 140); }, single);
+  twice([] { multiply_ones<jex_dcomplex>(jex_blas_xzgemm, 140); }, 128 * (4096 + 64) + 16512);
 }
 
 // Nothing beyond the buffer is written: the hook keeps a mark behind each block.
@@ -276,7 +289,7 @@ TEST_F(GemmMemory, NoBufferEndsTheProgram) {
   EXPECT_DEATH(
       {
         xmalloc.fail_in = 1;
-        multiply_ones<double>(jex_blas_xdgemm, 60);
+        multiply_ones<double>(jex_blas_xdgemm, 140);
       },
       "");
 }
