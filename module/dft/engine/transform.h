@@ -33,6 +33,12 @@ inline void run_stage(const Stage<T>& stage, Direction d, Kind kind, const Pass<
     run_odd_pass(pass, d, kind);
 }
 
+// Numbers of the roots that a column of a pass meets.
+template <class T>
+constexpr ptrdiff_t root_numbers(const Stage<T>& stage) {
+  return (stage.radix - 1) * 2 * Lanes<Real<T>>::count;
+}
+
 // Passes for bundles of any width, or for one transform.
 template <class T>
 struct Passes {

@@ -1,4 +1,5 @@
 // Passes in turn.
+#include "dft/engine/ahead.h"
 #include "dft/engine/transform.h"
 
 namespace jex::dft {
@@ -15,6 +16,20 @@ constexpr int row_step(int n) {
 // other finds its streams in different places of the first cache.
 template <class T>
 constexpr int stagger = 2048 / int(sizeof(T));
+
+// Column by column, the rows of the next one asked for.
+template <class T>
+void run_far_stage(const Stage<T>& stage, Direction d, Kind kind, Pass<T> pass, int width) {
+  pass.p_count = 1;
+  for (int p = 0; p < stage.rest; ++p) {
+    const T* const next = pass.in + pass.in_p;
+    ask_for_rows(next, stage.radix, pass.in_k, width);
+    run_stage(stage, d, kind, pass);
+    pass.in = next;
+    pass.out += pass.out_p;
+    pass.roots += root_numbers<T>(stage);
+  }
+}
 
 template <class T>
 void run_stage(const Stage<T>& stage, Direction d, Kind kind, Real<T> scale, const Twist<T>* twist,
@@ -41,7 +56,11 @@ void run_stage(const Stage<T>& stage, Direction d, Kind kind, Real<T> scale, con
     pass.c_count *= pass.q_count;
     pass.q_count = 1;
   }
-  run_stage(stage, d, kind, pass);
+  const bool is_far = pass.in_k * int64_t(stage.radix * sizeof(T)) >= far_bytes;
+  if (in.step > width && stage.before == 1 && stage.rest > 1 && is_far)
+    run_far_stage(stage, d, kind, pass, width);
+  else
+    run_stage(stage, d, kind, pass);
 }
 
 }  // namespace

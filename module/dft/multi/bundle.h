@@ -11,6 +11,7 @@
 // all of them to one place of the cache. Elsewhere each line is laid out by itself, for the kernel.
 #pragma once
 
+#include "dft/engine/ahead.h"
 #include "dft/engine/kernels.h"
 #include "dft/engine/transform.h"
 #include "dft/multi/lines.h"
@@ -145,7 +146,8 @@ class Steps {
 
   // How the rows of the grid meet the passes: where the operands of block b are, taken to rows or
   // not, where the results of row q shall be, at rows or elsewhere, and what follows then. Without
-  // a first step all rows are one block.
+  // a first step all rows are one block. ahead() is how far the operands of the next block are,
+  // where they shall be asked for, else 0.
   //   View<const T> take(b, rows), View<T> target(q, rows), void give(q, results)
   template <class Rows>
   void run(Direction d, Real<T> scale, int width, T* matrix, const Rows& grid) const {
@@ -155,7 +157,7 @@ class Steps {
     View<const T> from{matrix, step};
     if (first_ == 0) from = grid.take(0, {matrix, step});
     for (int32_t b = 0; first_ > 0 && b < blocks; ++b)
-      run_first(d, b, width, grid.take(b, {rows, width}), buffers, matrix + b * step);
+      run_first(d, b, width, grid.take(b, {rows, width}), grid.ahead(), buffers, matrix + b * step);
     for (int32_t q = 0; q < block; ++q) {
       const View<T> to = grid.target(q, {rows, other_.count > 1 ? width : width + gap});
       run_passes<T>(other_, d, scale, {from.base + q * width, from.step}, to, width, buffers);
@@ -178,14 +180,14 @@ class Steps {
   int32_t last_distance() const { return last().before; }
 
  private:
-  static constexpr int gap = 64 / sizeof(T), root_numbers = 2 * Lanes<Real<T>>::count;
+  static constexpr int gap = 64 / sizeof(T);
   static constexpr int32_t larger(int32_t a, int32_t b) { return a > b ? a : b; }
   const Stage<T>& last() const { return passes_.stages[passes_.count - 1]; }
   ptrdiff_t block_step(int width) const { return block * ptrdiff_t(width) + gap; }
 
   // The first passes on block b, whose columns p are those that leave b modulo the blocks.
-  void run_first(Direction d, int32_t b, int width, View<const T> from, T* const (&buffers)[2],
-                 T* to) const {
+  void run_first(Direction d, int32_t b, int width, View<const T> from, ptrdiff_t ahead,
+                 T* const (&buffers)[2], T* to) const {
     for (int i = 0; i < first_; ++i) {
       const Stage<T>& stage = passes_.stages[i];
       T* const next = i + 1 == first_ ? to : buffers[(i + 1) % 2];
@@ -200,7 +202,10 @@ class Steps {
       for (int32_t p = 0; p < rest; ++p) {
         pass.in = from.base + ptrdiff_t(p) * stage.before * from.step;
         pass.out = next + ptrdiff_t(p) * stage.radix * pass.c_count;
-        pass.roots = stage.roots + (b + blocks * p) * (stage.radix - 1) * root_numbers;
+        pass.roots = stage.roots + (b + blocks * p) * root_numbers(stage);
+        if (i == 0 && ahead)
+          ask_for_rows(p + 1 < rest ? pass.in + from.step : from.base + ahead, stage.radix,
+                       pass.in_k, width);
         run_stage(stage, d, Kind::inner, pass);
       }
       from = {next, width};
@@ -267,6 +272,11 @@ struct Bundle {
     View<T> target(int32_t q, View<T> rows) const {
       if (!writes) return rows;
       return {row_of(y.at(q * bundle.to.step)), bundle.steps->given(bundle.to).step / 2};
+    }
+    ptrdiff_t ahead() const {
+      const Line<T>& line = bundle.from;
+      const bool is_far = line.n * int64_t(line.step) * int64_t(sizeof(Real<T>)) >= far_bytes;
+      return reads && is_far ? line.step / 2 : 0;
     }
     void give(int32_t q, View<const T> results) const {
       if (writes) return;

@@ -11,6 +11,7 @@
 // Where the engine has no passes for the length, each line of the bundle is laid out by itself.
 #pragma once
 
+#include "dft/engine/ahead.h"
 #include "dft/engine/kernels.h"
 #include "dft/engine/strided.h"
 
@@ -122,8 +123,9 @@ T* bundle_buffer(const Record& record, char* work) {
 // Results from this size on go past the caches, which could not hold them until they are read.
 constexpr int64_t streamed_bytes = 16 << 20;
 
-// line(from, to) for a share of the rows, with results of so many numbers side by side at to. Large
-// results, not in the place of their operands, are put together in the bundle's buffer.
+// line(from, to) for a share of the rows, with results of so many numbers side by side at to, and
+// about as many operands. Those of far rows are asked for a row before. Large results, not in the
+// place of their operands, are put together in the bundle's buffer.
 template <class T, class Line>
 int32_t for_result_rows(const Record& record, const Grid& grid, Share share, const Real<T>* x,
                         Real<T>* y, int32_t numbers, char* work, Line line) {
@@ -135,11 +137,16 @@ int32_t for_result_rows(const Record& record, const Grid& grid, Share share, con
     bytes *= grid.n[k];
     places |= uintptr_t(grid.to[k]) * sizeof(R);
   }
+  const bool is_far = bytes >= far_bytes;
+  const auto run = [=](ptrdiff_t i, R* to) {
+    if (is_far) ask_for_rows(x + i + grid.from[1], 1, 0, numbers);
+    return line(x + i, to);
+  };
   if (bytes < streamed_bytes || places % 16 != 0 || x == y)
-    return for_rows(grid, share, [=](ptrdiff_t i, ptrdiff_t o) { return line(x + i, y + o); });
+    return for_rows(grid, share, [=](ptrdiff_t i, ptrdiff_t o) { return run(i, y + o); });
   R* const row = reinterpret_cast<R*>(bundle_buffer<T>(record, work));
   const int32_t status = for_rows(grid, share, [=](ptrdiff_t i, ptrdiff_t o) {
-    const int32_t status = line(x + i, row);
+    const int32_t status = run(i, row);
     int32_t c = 0;
     for (; c + V::count <= numbers; c += V::count)
       simd::stream(V::load_aligned(row + c), y + o + c);
