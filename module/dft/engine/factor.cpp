@@ -6,7 +6,7 @@
 namespace jex::dft {
 namespace {
 
-constexpr int last_small = 150, largest_kernel_prime = 13;
+constexpr int last_small = 150;
 
 void exchange(Factor& a, Factor& b) {
   const Factor keep = a;
@@ -14,20 +14,6 @@ void exchange(Factor& a, Factor& b) {
   b = keep;
 }
 
-// What a pass costs for each element, in cycles of a clock a little slower than the processor's:
-// reading, multiplying by a root and storing it, and its share of the butterfly. Measured within
-// the first cache, both precisions together. 0 where there is no such pass.
-struct Costs {
-  float radix[largest_kernel_radix + 1];
-  constexpr float operator[](int r) const { return radix[r]; }
-};
-constexpr Costs pass_cost = [] {
-  Costs costs = {{0, 0, 1.25f, 1.5f, 1.65f, 2.2f, 1.95f, 2.9f, 2.05f, 3.1f, 2.7f, 4.7f, 2.5f, 5.15f,
-                  3.3f, 3.2f, 2.75f}};
-  costs.radix[20] = 3.0f;
-  costs.radix[32] = 3.2f;
-  return costs;
-}();
 // In bundles the streams of a power of two meet in the same places of the first cache, the more so
 // in the wide bundles of long columns.
 constexpr Costs bundle_cost(bool is_wide) {

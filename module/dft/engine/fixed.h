@@ -1,14 +1,39 @@
 // Transforms whose length the compiler knows: straight through the registers up to 32 where the
-// length has small factors, else two passes over a buffer on the stack. Their roots are constants.
+// length has small factors, most primes as a convolution, else two passes over a buffer on the
+// stack. Their roots are constants.
 #pragma once
 
+#include "dft/engine/factor.h"
 #include "dft/engine/odd.h"
 #include "dft/engine/pass.h"
+#include "dft/engine/prime.h"
 
 namespace jex::dft {
 
-constexpr int longest_fixed = 64;         // every length from 2 up to here
-constexpr int longest_fixed_table = 128;  // and this one
+// N = A B with the first pass of radix A: a large prime is the second, else both are 20 at most and
+// cheap, near each other and A even if they can be; 1 where there are no such.
+constexpr int first_radix(int n) {
+  const int prime = largest_prime(n);
+  if (prime > largest_kernel_prime) return n / prime;
+  int best = 1;
+  float best_cost = 0;
+  for (int a = 2; a <= 20; ++a) {
+    const int b = n / a;
+    if (n % a || b > 20 || !has_kernel(a) || !has_kernel(b)) continue;
+    const float apart = a < b ? 0.03f * (b - a) + 0.01f : 0.03f * (a - b);
+    const float cost = pass_cost[a] + pass_cost[b] + 0.5f * (a % 2) + apart;
+    if (best == 1 || cost < best_cost) best = a, best_cost = cost;
+  }
+  return best;
+}
+
+// Every length from 2 up to here; beyond, to the end of the table, two passes and convolutions.
+constexpr int longest_fixed = 64, longest_fixed_table = 256;
+constexpr bool is_fixed(int n) {
+  return (n >= 2 && n <= longest_fixed) || is_convolved(n) ||
+         (n <= longest_fixed_table && largest_prime(n) <= largest_kernel_prime &&
+          first_radix(n) > 1);
+}
 
 // y := scale times the transform of x; any alignment; the same array or two.
 template <class T>
@@ -18,8 +43,7 @@ using FixedFunction = void (*)(const T* in, T* out, Real<T> scale);
 // caller gets at one in a single load.
 template <class T>
 struct FixedTable {
-  FixedFunction<T> function[longest_fixed + 1];
-  FixedFunction<T> last;
+  FixedFunction<T> function[longest_fixed_table + 1];
 };
 template <class T, Direction d>
 struct Fixeds {
@@ -31,32 +55,7 @@ template <class T>
 inline FixedFunction<T> fixed_function(int n, Direction d) {
   const FixedTable<T>& table = d == Direction::forward ? Fixeds<T, Direction::forward>::table
                                                        : Fixeds<T, Direction::backward>::table;
-  if (n == longest_fixed_table) return table.last;
-  return n <= longest_fixed ? table.function[n] : nullptr;
-}
-
-constexpr int largest_prime(int n) {
-  int largest = 1;
-  for (int d = 2; n > 1; ++d)
-    while (n % d == 0) n /= d, largest = d;
-  return largest;
-}
-
-// N = A B with the first pass of radix A: a large prime is the second, else both are near the
-// square root and 16 at most, A even if it can be.
-constexpr int first_radix(int n) {
-  const int prime = largest_prime(n);
-  if (prime > 13) return n / prime;
-  int best = 1;
-  for (int a = 2; a <= 16; ++a) {
-    if (n % a || n / a > 16) continue;
-    const auto badness = [n](int a) {
-      const int b = n / a;
-      return 2 * (a > b ? a - b : b - a) + 5 * (a % 2) + (a < b);
-    };
-    if (best == 1 || badness(a) < badness(best)) best = a;
-  }
-  return best;
+  return n <= longest_fixed_table ? table.function[n] : nullptr;
 }
 
 // Pairs of registers for the roots w^(p k) of order N, k = 1 .. A - 1, in groups of neighbours p.
@@ -109,7 +108,9 @@ struct Fixed {
   static constexpr bool straight = N <= 32 && largest_prime(N) <= 13;
 
   static void run(const T* in, T* out, Real<T> scale) {
-    if constexpr (straight && V::count == 2 && N % 2 == 0)
+    if constexpr (is_convolved(N))
+      run_convolved<N, d, T, Fixed>(in, out, scale);
+    else if constexpr (straight && V::count == 2 && N % 2 == 0)
       run_halves(in, out, scale);
     else if constexpr (straight)
       Dft<N, d, T>::run([&](int j) JEX_INLINE { return V::load_first(in + j); },
@@ -142,7 +143,9 @@ struct Fixed {
     });
   }
 
-  static void run_passes(const T* in, T* out, Real<T> scale) {
+  // The passes are compiled into each length anew, with constant counts and distances: up to a
+  // third faster than calls of what all lengths share.
+  [[gnu::flatten]] static void run_passes(const T* in, T* out, Real<T> scale) {
     alignas(64) T buffer[N];
     const T* between = in;
     Pass<T> pass{};
@@ -178,10 +181,12 @@ template <class T, Direction d>
 constexpr FixedTable<T> make_fixed_table() {
   FixedTable<T> table{};
   [&]<int... n>(std::integer_sequence<int, n...>) {
-    ((table.function[n + 2] = Fixed<n + 2, d, T>::run), ...);
+    const auto put = [&]<int N>(std::integral_constant<int, N>) {
+      if constexpr (is_fixed(N)) table.function[N] = Fixed<N, d, T>::run;
+    };
+    (put(std::integral_constant<int, n>()), ...);
   }
-  (std::make_integer_sequence<int, longest_fixed - 1>());
-  table.last = Fixed<longest_fixed_table, d, T>::run;
+  (std::make_integer_sequence<int, longest_fixed_table + 1>());
   return table;
 }
 

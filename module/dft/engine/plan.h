@@ -3,7 +3,8 @@
 //   n < 17                              one butterfly
 //   a power of two                      passes of radix 16 and less
 //   prime factors up to 150             passes of the factors, regrouped where a kernel is larger
-//   a prime below 151                   one pass of that radix, by its definition
+//   a prime below 151                   a convolution of n - 1 if that has small factors, else
+//                                       one pass of that radix, by its definition
 //   anything else below 2^25            a convolution of a power of two
 #pragma once
 
@@ -41,7 +42,7 @@ struct Plan {
   int32_t mixed_radix, last_stage;
   Factor factors[most_factors];
 
-  // Of a short length, by direction: it needs no tables.
+  // Of a length that the compiler knows, by direction: it needs no tables.
   FixedFunction<T> fixed[2];
   // The whole length, or the convolution of chirp_len.
   Transform<T> transform;

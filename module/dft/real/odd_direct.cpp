@@ -1,12 +1,17 @@
 #include "dft/real/odd_direct.h"
 
+#include "dft/engine/fixed.h"
 #include "dft/engine/roots.h"
 #include "dft/real/plan.h"
+#include "dft/real/whole.h"
 
 namespace jex::dft {
 namespace {
 
 constexpr int most_pairs = longest_odd_direct / 2;
+
+// Whether the complex transform takes less time than half of the sums.
+constexpr bool is_whole(int n) { return n > 23 && is_convolved(n); }
 
 // The sum over j of pair(j) times root(jk), part by part, for count neighbours k at once.
 template <int count, class T>
@@ -46,25 +51,38 @@ void for_results(int n, const T* roots, const T* pairs, Put put) {
   }
 }
 
+template <class T>
+[[gnu::noinline]] void run_whole(int32_t n, Direction d, const Real<T>* in, Real<T>* out,
+                                 Real<T> scale) {
+  alignas(64) T x[longest_convolved];
+  widen(d, in, x, n);
+  fixed_function<T>(n, d)(x, x, scale);
+  narrow(d, x, out, n);
+}
+
 }  // namespace
 
 template <class T>
-const T* make_odd_roots(int32_t n, Blocks& blocks) {
+bool make_odd_roots(int32_t n, const T*& table, Blocks& blocks) {
   using R = Real<T>;
+  table = nullptr;
+  if (is_whole(n)) return true;
   Roots roots;
-  T* const table = blocks.take<T>(uint32_t(n));
-  if (!table || !roots.make(uint32_t(n))) return nullptr;
+  T* const w = blocks.take<T>(uint32_t(n));
+  if (!w || !roots.make(uint32_t(n))) return false;
   for (int32_t k = 0; k < n; ++k) {
-    const Root w = roots(uint32_t(k));
-    table[k] = {R(w.c), R(-w.s)};
+    const Root root = roots(uint32_t(k));
+    w[k] = {R(root.c), R(-root.s)};
   }
-  return table;
+  table = w;
+  return true;
 }
 
 template <class T>
 void run_odd_direct(int32_t n, const T* roots, Direction d, const Real<T>* in, Real<T>* out,
                     Real<T> scale) {
   using R = Real<T>;
+  if (!roots) return run_whole<T>(n, d, in, out, scale);
   alignas(16) T pairs[most_pairs + 1];
   const R first = in[0];
   R sum = 0;
@@ -92,7 +110,7 @@ void run_odd_direct(int32_t n, const T* roots, Direction d, const Real<T>* in, R
 }
 
 #define INSTANTIATE(T)                                                                             \
-  template const T* make_odd_roots(int32_t, Blocks&);                                              \
+  template bool make_odd_roots(int32_t, const T*&, Blocks&);                                       \
   template void run_odd_direct(int32_t, const T*, Direction, const simd::Real<T>*, simd::Real<T>*, \
                                simd::Real<T>);
 INSTANTIATE(jex_dcomplex)

@@ -1,5 +1,6 @@
 // Odd lengths by the definition: x(j) + x(n-j) and x(j) - x(n-j) side by side meet a cosine and a
-// sine, and give both parts of a result.
+// sine, and give both parts of a result. Longer primes that are a convolution take less time as
+// complex numbers.
 #pragma once
 
 #include "dft/engine/blocks.h"
@@ -7,9 +8,10 @@
 
 namespace jex::dft {
 
-// The roots exp(-2 pi i k / n), k = 0 .. n-1; null when there is no memory.
+// The roots exp(-2 pi i k / n), k = 0 .. n-1, or null for a transform as complex numbers; false
+// when there is no memory.
 template <class T>
-const T* make_odd_roots(int32_t n, Blocks& blocks);
+bool make_odd_roots(int32_t n, const T*& roots, Blocks& blocks);
 
 // n up to 180; Perm on the packed side; in and out are the same or apart.
 template <class T>

@@ -184,7 +184,7 @@ Buffers<T> buffers_of(const OddLevels<T>& levels, T* scratch) {
 
 template <class T, Direction d>
 void run_last(const OddLevels<T>& levels, const Real<T>* in, Real<T>* out, Real<T> scale) {
-  if (levels.last_roots)
+  if (levels.last > longest_real_kernel)
     run_odd_direct(levels.last, levels.last_roots, d, in, out, scale);
   else if (scale == 1)
     real_kernels<Real<T>, d>().plain[levels.last](in, out);
@@ -292,10 +292,7 @@ OddLevels<T>* make_odd_levels(int32_t n, Blocks& blocks) {
     n /= radix;
   }
   levels->last = n;
-  if (is_made && n > longest_real_kernel) {
-    levels->last_roots = make_odd_roots<T>(n, blocks);
-    is_made = levels->last_roots != nullptr;
-  }
+  if (is_made && n > longest_real_kernel) is_made = make_odd_roots(n, levels->last_roots, blocks);
   if (!is_made) release_odd_levels(*levels);
   return is_made ? levels : nullptr;
 }

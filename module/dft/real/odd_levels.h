@@ -25,7 +25,7 @@ struct OddLevel {
 template <class T>
 struct OddLevels {
   int32_t length, count, last;  // last: the length behind the levels, direct
-  const T* last_roots;          // of the definition, where it has no kernel
+  const T* last_roots;          // of the definition, where that is used
   OddLevel<T> level[most_odd_levels];
 };
 

@@ -8,6 +8,7 @@
 #include "dft/real/odd_levels.h"
 #include "dft/real/short.h"
 #include "dft/real/split.h"
+#include "dft/real/whole.h"
 #include "serv/memory_aligned.h"
 
 namespace jex::dft {
@@ -60,8 +61,7 @@ EngineCode make_tables(RealPlan<T>& plan) {
     if (!plan.odd) return engine_no_memory;
     bytes = odd_levels_elements(*plan.odd) * sizeof(T);
   } else if (n <= longest_odd_direct) {
-    plan.odd_roots = make_odd_roots<T>(n, plan.blocks);
-    if (!plan.odd_roots) return engine_no_memory;
+    if (!make_odd_roots(n, plan.odd_roots, plan.blocks)) return engine_no_memory;
   } else {
     if (!plan.complex) return engine_null_pointer;
     plan.chirp_len = plan.complex->chirp_len;
@@ -111,25 +111,9 @@ void run_as_complex(const RealPlan<T>& plan, Direction d, const Real<T>* in, Rea
   const int32_t n = plan.plan_length;
   T* const x = static_cast<T*>(work);
   void* const rest = static_cast<char*>(work) + copy_bytes<T>(n);
-  if (d == Direction::forward) {
-    for (int32_t j = 0; j < n; ++j) x[j] = {in[j], 0};
-  } else {
-    x[0] = {in[0], 0};
-    for (int32_t k = 1; k <= n / 2; ++k) {
-      x[k] = {in[2 * k - 1], in[2 * k]};
-      x[n - k] = {in[2 * k - 1], -in[2 * k]};
-    }
-  }
+  widen(d, in, x, n);
   run_plan<T>(*plan.complex, d, x, x, rest, scale);
-  if (d == Direction::backward) {
-    for (int32_t j = 0; j < n; ++j) out[j] = x[j].re;
-    return;
-  }
-  out[0] = x[0].re;
-  for (int32_t k = 1; k <= n / 2; ++k) {
-    out[2 * k - 1] = x[k].re;
-    out[2 * k] = x[k].im;
-  }
+  narrow(d, x, out, n);
 }
 
 template <class T>
@@ -137,7 +121,7 @@ void run_odd(const RealPlan<T>& plan, Direction d, const Real<T>* in, Real<T>* o
              Real<T> scale) {
   if (plan.odd)
     run_odd_levels(*plan.odd, d, in, out, static_cast<T*>(work), scale);
-  else if (plan.odd_roots)
+  else if (plan.plan_length <= longest_odd_direct)
     run_odd_direct(plan.plan_length, plan.odd_roots, d, in, out, scale);
   else
     run_as_complex(plan, d, in, out, work, scale);

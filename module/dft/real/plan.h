@@ -3,7 +3,7 @@
 //   n <= 16, some even ones to 64 a direct kernel
 //   n even                        half the length on pairs of numbers, then the split step
 //   n odd, factors up to 13       a butterfly of real columns, complex rows (odd_levels.h)
-//   other odd n up to 180         by the definition, half the sums (odd_direct.h)
+//   other odd n up to 180         by the definition, or as complex numbers (odd_direct.h)
 //   any other n                   the complex transform, imaginary parts zero
 //
 // A real plan begins as a complex plan does. The complex plan that it works with, of length n/2 or
