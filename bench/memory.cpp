@@ -23,7 +23,10 @@ class BufferProblem : public Problem {
     for (; calls > 0; --calls) {
       auto* buffer = static_cast<volatile char*>(ask(size_, 64));
       is_there_ = buffer != nullptr;
-      if (is_there_) buffer[0] = buffer[size_ - 1] = 1;
+      if (is_there_) {
+        buffer[0] = 1;
+        buffer[size_ - 1] = 1;
+      }
       give_back(const_cast<char*>(buffer));
     }
   }
