@@ -76,12 +76,9 @@ struct SolveLane {
   }
   static constexpr bool ascending = true;
   template <class T>
-  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* rows, int g) {
+  [[gnu::always_inline]] static void finish(const Lanes<Real<T>> (&sum)[real_columns], Real<T>* own,
+                                            const Real<T>* corner) {
     constexpr int width = group_columns<T>, row = group_row<T>;
-    Lanes<Real<T>> sum[real_columns];
-    sum_rows<T>(sum, x, rows, g);
-    Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
-    const Real<T>* const corner = rows + g * width * row;
     Lanes<T> v[width];
     unrolled<width>([&](auto c) __attribute__((always_inline)) {
       v[c] = lane_at<T>(own, c) - column_of<T, c>(sum);
@@ -111,12 +108,9 @@ struct MultiplyLane {
   }
   static constexpr bool ascending = false;
   template <class T>
-  [[gnu::always_inline]] static void run(Real<T>* x, const Real<T>* rows, int g) {
+  [[gnu::always_inline]] static void finish(const Lanes<Real<T>> (&sum)[real_columns], Real<T>* own,
+                                            const Real<T>* corner) {
     constexpr int width = group_columns<T>, row = group_row<T>;
-    Lanes<Real<T>> sum[real_columns];
-    sum_rows<T>(sum, x, rows, g);
-    Real<T>* const own = x + g * width * Lanes<Real<T>>::count;
-    const Real<T>* const corner = rows + g * width * row;
     Lanes<T> v[width];
     unrolled<width>([&](auto c) __attribute__((always_inline)) { v[c] = column_of<T, c>(sum); });
     unrolled<width>([&](auto r) __attribute__((always_inline)) {
@@ -129,5 +123,15 @@ struct MultiplyLane {
     unrolled<width>([&](auto c) __attribute__((always_inline)) { put_lane<T>(own, c, v[c]); });
   }
 };
+
+// Group g of a lane: the sums over the unknowns before it, then its own corner of the triangle.
+template <class Lane, class T>
+[[gnu::always_inline]] inline void run_group(Real<T>* x, const Real<T>* rows, int g) {
+  constexpr int width = group_columns<T>;
+  Lanes<Real<T>> sum[real_columns];
+  sum_rows<T>(sum, x, rows, g);
+  Lane::template finish<T>(sum, x + g * width * Lanes<Real<T>>::count,
+                           rows + g * width * group_row<T>);
+}
 
 }  // namespace jex::blas

@@ -138,7 +138,7 @@ template <class Task, class T>
       for (int i = 0; i < groups; ++i) {
         const int g = Lane::ascending ? i : groups - 1 - i;
         for (int k = 0; k < lanes; ++k)
-          Lane::template run<T>(x + k * size, factors + factors_before<T>(g), g);
+          run_group<Lane, T>(x + k * size, factors + factors_before<T>(g), g);
       }
       for (int k = 0; k < lanes; ++k) lane(k).store(x + k * size);
     }
