@@ -52,11 +52,6 @@ class Search {
     radix_[depth] = r;
     descend(rest / r, limit, depth + 1, cost + more);
   }
-  static bool is_prime(int r) {
-    for (int d = 2; d * d <= r; ++d)
-      if (r % d == 0) return false;
-    return true;
-  }
 
   const Costs& costs_;
   int radix_[most_factors];

@@ -21,6 +21,14 @@ constexpr int most_factors = 32;
 // last stage. 0 when a prime factor above 150 is left, or when n is itself such a prime.
 int factorise(int32_t n, Factor (&factors)[most_factors]);
 
+constexpr int largest_prime(int n) {
+  int largest = 1;
+  for (int d = 2; n > 1; ++d)
+    while (n % d == 0) n /= d, largest = d;
+  return largest;
+}
+constexpr bool is_prime(int n) { return n > 1 && largest_prime(n) == n; }
+
 constexpr int largest_kernel_prime = 13;
 
 // What a pass costs for each element, in cycles of a clock a little slower than the processor's:

@@ -105,7 +105,7 @@ template <int N, Direction d, class T>
 struct Fixed {
   using V = Lanes<T>;
   static constexpr int A = first_radix(N), B = N / A;
-  static constexpr bool straight = N <= 32 && largest_prime(N) <= 13;
+  static constexpr bool straight = N <= 32 && largest_prime(N) <= largest_kernel_prime;
 
   static void run(const T* in, T* out, Real<T> scale) {
     if constexpr (is_convolved(N))
@@ -165,7 +165,7 @@ struct Fixed {
     pass.radix = B;
     pass.p_count = 1;
     pass.c_count = pass.in_k = pass.out_k = A;
-    if constexpr (largest_prime(N) > 13) {
+    if constexpr (largest_prime(N) > largest_kernel_prime) {
       const OddTable odd{constant_odd<B, T>.offsets, constant_odd<B, T>.roots};
       pass.odd = &odd;
       run_odd_pass(pass, d, Kind::scaled);

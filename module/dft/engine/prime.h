@@ -9,24 +9,18 @@
 #include <stdint.h>
 
 #include "dft/engine/butterfly.h"
+#include "dft/engine/factor.h"
 
 namespace jex::dft {
 
 constexpr int longest_convolved = 149;
 
-constexpr int largest_prime(int n) {
-  int largest = 1;
-  for (int d = 2; n > 1; ++d)
-    while (n % d == 0) n /= d, largest = d;
-  return largest;
-}
-
 // Primes whose two transforms take less time than the sums of the definition: those where half of
-// n - 1 is no prime above 13.
+// n - 1 is no prime without a kernel.
 constexpr bool is_convolved(int n) {
-  if (n <= 13 || n > longest_convolved || largest_prime(n) != n) return false;
+  if (n <= largest_kernel_prime || n > longest_convolved || !is_prime(n)) return false;
   const int inner = largest_prime(n - 1);
-  return inner <= 13 || 2 * inner < n - 1;
+  return inner <= largest_kernel_prime || 2 * inner < n - 1;
 }
 
 // The least number whose powers are all residues but 0.

@@ -8,11 +8,6 @@
 namespace jex::dft {
 namespace {
 
-bool is_prime(int32_t n) {
-  for (int32_t d = 3; d * d <= n; d += 2)
-    if (n % d == 0) return false;
-  return true;
-}
 bool is_direct(int32_t n) {
   return n <= longest_real_kernel || (n <= longest_odd_direct && is_prime(n));
 }
