@@ -30,8 +30,8 @@
  * dimensions, rows in place that have no room for their complex elements.
  *
  * jex/dft.h tells the layouts of real transforms and what their strides count. One transform of
- * several dimensions, or a long complex one, is shared by the core's threads too; the bits of a
- * result do not depend on their number.
+ * several dimensions, or a long one of one dimension (a real one if its length is even), is shared
+ * by the core's threads too; the bits of a result do not depend on their number.
  */
 #ifndef JEX_DFTI_H
 #define JEX_DFTI_H

@@ -29,7 +29,17 @@ const Case cases[] = {
     {"one long dimension", 36, 32, {131072}},
     {"one long dimension in place", 35, 32, {360 * 360}, JEX_DFT_IN_PLACE},
     {"one dimension that is not cut", 36, 32, {65537}},
-    {"one real dimension", 36, 33, {100000}},
+    {"one real dimension", 36, 33, {131072}},
+    {"one real dimension of numbers",
+     36,
+     33,
+     {100000},
+     JEX_DFT_NOT_IN_PLACE,
+     39,
+     JEX_DFT_REAL_ELEMENTS,
+     JEX_DFT_PACK},
+    {"one real dimension in place", 35, 33, {262144}, JEX_DFT_IN_PLACE},
+    {"one real dimension, odd", 35, 33, {3 * 5 * 7 * 11 * 13 * 7}},
 };
 
 void check(jex_int status) { ASSERT_EQ(status, 0) << jex_dft_dfti_error_message_external(status); }

@@ -103,11 +103,18 @@ template <class T>
 void run_passes(const Passes<T>& passes, Direction d, Real<T> scale, View<const T> in, View<T> out,
                 int width, T* const (&buffers)[2], const Twist<T>* twist = nullptr);
 
-// A part of one of the two levels, 0 the columns and 1 the rows, of a transform that has rows. All
+// A share of a piece of work: part of parts.
+struct Share {
+  int32_t part = 0, parts = 1;
+  int64_t begin(int64_t units) const { return units * part / parts; }
+  int64_t end(int64_t units) const { return units * (part + 1) / parts; }
+};
+
+// A share of one of the two levels, 0 the columns and 1 the rows, of a transform that has rows. All
 // parts share the matrix between the levels, which begins the scratch memory of one of them.
 template <class T>
-void run_level(const Transform<T>& transform, Direction d, int level, int part, int parts,
-               const T* in, T* out, T* matrix, T* scratch, Real<T> scale);
+void run_level(const Transform<T>& transform, Direction d, int level, Share share, const T* in,
+               T* out, T* matrix, T* scratch, Real<T> scale);
 
 // Elements of scratch memory that a run needs.
 template <class T>

@@ -118,14 +118,13 @@ uint32_t matrix_elements(const Transform<T>& transform) {
 }  // namespace
 
 template <class T>
-void run_level(const Transform<T>& transform, Direction d, int level, int part, int parts,
-               const T* in, T* out, T* matrix, T* scratch, Real<T> scale) {
+void run_level(const Transform<T>& transform, Direction d, int level, Share share, const T* in,
+               T* out, T* matrix, T* scratch, Real<T> scale) {
   const int n1 = transform.columns.length, n2 = transform.rows.length;
   T* const first = scratch + matrix_elements(transform);
   T* const buffers[2] = {first, first + (n1 > n2 ? n1 : n2) * transform.bundle + stagger<T>};
   const int count = bundles(transform, level == 0 ? n2 : n1);
-  const int begin = int(int64_t(count) * part / parts),
-            end = int(int64_t(count) * (part + 1) / parts);
+  const int begin = int(share.begin(count)), end = int(share.end(count));
   if (level == 0)
     run_columns(transform, d, in, matrix, buffers, begin, end);
   else
@@ -138,7 +137,7 @@ template <class T>
 void run_levels(const Transform<T>& transform, Direction d, const T* in, T* out, T* scratch,
                 Real<T> scale) {
   for (const int level : {0, 1})
-    run_level(transform, d, level, 0, 1, in, out, scratch, scratch, scale);
+    run_level(transform, d, level, {}, in, out, scratch, scratch, scale);
 }
 
 }  // namespace
@@ -164,10 +163,10 @@ template void run_passes(const Passes<jex_dcomplex>&, Direction, double, View<co
 template void run_passes(const Passes<jex_scomplex>&, Direction, float, View<const jex_scomplex>,
                          View<jex_scomplex>, int, jex_scomplex* const (&)[2],
                          const Twist<jex_scomplex>*);
-template void run_level(const Transform<jex_dcomplex>&, Direction, int, int, int,
-                        const jex_dcomplex*, jex_dcomplex*, jex_dcomplex*, jex_dcomplex*, double);
-template void run_level(const Transform<jex_scomplex>&, Direction, int, int, int,
-                        const jex_scomplex*, jex_scomplex*, jex_scomplex*, jex_scomplex*, float);
+template void run_level(const Transform<jex_dcomplex>&, Direction, int, Share, const jex_dcomplex*,
+                        jex_dcomplex*, jex_dcomplex*, jex_dcomplex*, double);
+template void run_level(const Transform<jex_scomplex>&, Direction, int, Share, const jex_scomplex*,
+                        jex_scomplex*, jex_scomplex*, jex_scomplex*, float);
 template uint32_t scratch_elements(const Transform<jex_dcomplex>&);
 template uint32_t scratch_elements(const Transform<jex_scomplex>&);
 template void run_transform(const Transform<jex_dcomplex>&, Direction, const jex_dcomplex*,

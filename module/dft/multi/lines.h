@@ -47,13 +47,6 @@ struct Grid {
   ptrdiff_t from[most_dimensions], to[most_dimensions];
 };
 
-// A share of a piece of work: part of parts.
-struct Share {
-  int32_t part = 0, parts = 1;
-  int64_t begin(int64_t units) const { return units * part / parts; }
-  int64_t end(int64_t units) const { return units * (part + 1) / parts; }
-};
-
 // What a walk repeats: all places along some dimensions of a grid, the first of them fastest.
 class Units {
  public:

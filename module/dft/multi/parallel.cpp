@@ -1,18 +1,59 @@
 #include "dft/multi/parallel.h"
 
+#include "dft/real/sides.h"
+
 namespace jex::dft {
 namespace {
 
-// The plan of one long complex transform with unit strides, in two levels; null for others.
+// One long transform with unit strides in two levels, of complex numbers or, of half the length, of
+// pairs of real ones.
 template <class T>
-const Plan<T>* two_levels(const Record& d) {
-  if (get(d, rank) != 1 || get(d, forward_domain) != JEX_DFT_COMPLEX ||
-      get(d, complex_storage) == JEX_DFT_SEPARATE || !get(d, uses_engine) ||
-      get(d, input_stride) != 1 || get(d, output_stride) != 1)
-    return nullptr;
-  const auto* plan = static_cast<const Plan<T>*>(get(d, complex_plan_word<T>(d)));
-  return plan && !plan->chirp_len && plan->transform.has_rows ? plan : nullptr;
-}
+struct Line {
+  const RealPlan<T>* real = nullptr;  // null for complex numbers
+  const Plan<T>* levels = nullptr;    // null for a transform that is not shared
+
+  explicit Line(const Record& d) {
+    if (get(d, rank) != 1 || get(d, input_stride) != 1 || get(d, output_stride) != 1) return;
+    if (get(d, forward_domain) == JEX_DFT_REAL) {
+      real =
+          static_cast<const RealPlan<T>*>(static_cast<const Plan<T>*>(get(d, Words<T>::real_plan)));
+      if (real && real->split) levels = real->complex;
+    } else if (get(d, complex_storage) != JEX_DFT_SEPARATE && get(d, uses_engine)) {
+      levels = static_cast<const Plan<T>*>(get(d, complex_plan_word<T>(d)));
+    }
+    if (levels && (levels->chirp_len || !levels->transform.has_rows)) levels = nullptr;
+  }
+
+  int32_t phases() const { return !levels ? 1 : real ? real_phases : 2; }
+
+  // False for arrays that the kernels do not take.
+  bool run(const Record& record, Direction d, int32_t phase, Share share, char* area,
+           const void* from, void* to, bool in_place) const {
+    if (!levels) return false;
+    const uint32_t copy = copy_bytes<T>(levels->plan_length);
+    T* const matrix = reinterpret_cast<T*>(get(record, work_buffers) + copy);
+    T* const scratch = reinterpret_cast<T*>(area + copy);
+    const Real<T> scale = scale_of<T>(record, d);
+    if (real) {
+      const Real<T>* const in =
+          static_cast<const Real<T>*>(from) + input_of(record, d, in_place).offset;
+      Real<T>* const out = static_cast<Real<T>*>(to) + output_of(record, d, in_place).offset;
+      if (!suits(d == Direction::forward ? in : out, out)) return false;
+      run_real_phase(*real, d, phase, share, in, out, format_of(record), matrix, scratch, scale);
+    } else {
+      const T* const in = static_cast<const T*>(from) + get(record, input_offset);
+      T* const out = static_cast<T*>(to) + get(record, in_place ? input_offset : output_offset);
+      if (!suits(in, out)) return false;
+      run_level(levels->transform, d, phase, share, in, out, matrix, scratch, scale);
+    }
+    return true;
+  }
+
+ private:
+  static bool suits(const void* in, const void* out) {
+    return std::is_same_v<T, jex_scomplex> || is_aligned(in, out);
+  }
+};
 
 bool has_phases(const Record& d) {
   const bool is_packed = get(d, forward_domain) == JEX_DFT_REAL &&
@@ -39,7 +80,7 @@ int32_t run_whole(Record* record, Direction d, const Arrays& x) {
 
 template <class T>
 int32_t phase_count(const Record& d) {
-  return has_phases(d) ? get(d, rank) : two_levels<T>(d) ? 2 : 1;
+  return has_phases(d) ? get(d, rank) : Line<T>(d).phases();
 }
 
 template <class T>
@@ -48,20 +89,10 @@ int32_t run_part(Record* record, Direction d, int32_t phase, Share share, void* 
   char* const area = static_cast<char*>(work);
   if (has_phases(*record))
     return run_phase<T>(record, d, arrays, 0, phase, share, area, get(*record, work_buffers));
-  const Plan<T>* const plan = two_levels<T>(*record);
   const bool in_place = get(*record, placement) != JEX_DFT_NOT_IN_PLACE;
-  if (plan) {
-    const T* const in = static_cast<const T*>(arrays.a[0]) + get(*record, input_offset);
-    T* const out = static_cast<T*>(arrays.a[in_place ? 0 : 1]) +
-                   get(*record, in_place ? input_offset : output_offset);
-    if (std::is_same_v<T, jex_scomplex> || is_aligned(in, out)) {
-      const uint32_t copy = copy_bytes<T>(plan->plan_length);
-      run_level(plan->transform, d, phase, share.part, share.parts, in, out,
-                reinterpret_cast<T*>(get(*record, work_buffers) + copy),
-                reinterpret_cast<T*>(area + copy), scale_of<T>(*record, d));
-      return JEX_DFT_SUCCESS;
-    }
-  }
+  void *const in = arrays.a[0], *const out = arrays.a[in_place ? 0 : 1];
+  if (Line<T>(*record).run(*record, d, phase, share, area, in, out, in_place))
+    return JEX_DFT_SUCCESS;
   return phase == 0 && share.part == 0 ? run_whole(record, d, arrays) : int32_t(JEX_DFT_SUCCESS);
 }
 

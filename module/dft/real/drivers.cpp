@@ -1,5 +1,4 @@
 // Real transforms of one dimension: kernels, and compute entries.
-#include "dft/engine/work_area.h"
 #include "dft/real/short.h"
 #include "dft/real/sides.h"
 
@@ -41,21 +40,6 @@ Kernel kernel_of(int32_t n, Format format) {
                                   : run_real_kernel<T, d, Format::perm>;
 }
 
-// One side of a call. In place, offsets and distances count numbers on both sides.
-struct Operand : Side {
-  ptrdiff_t offset, distance;
-
-  Operand(const Record& record, const Layout& layout, bool is_packed, bool in_place) {
-    const int32_t n = get(record, length);
-    is_complex = is_packed && has_complex_elements(record);
-    count = is_packed ? packed_length(format_of(record), n) : n;
-    stride = layout.stride;
-    const int unit = is_complex && !in_place ? 2 : 1;
-    offset = unit * layout.offset;
-    distance = unit * layout.distance;
-  }
-};
-
 template <class T, Direction d>
 [[gnu::noinline]] int32_t compute_many(Kernel kernel, Record* record, const Real<T>* in,
                                        Real<T>* out, const Operand& from, const Operand& to) {
@@ -76,9 +60,7 @@ template <class T, Direction d>
                                                    bool in_place) {
   const Kernel kernel = get(*record, in_pair(Words<T>::pack_kernels, d));
   if (!kernel) return JEX_DFT_FAILURE;
-  constexpr bool is_forward = d == Direction::forward;
-  const Operand from(*record, input_layout(*record), !is_forward, in_place);
-  const Operand to(*record, output_layout(*record, in_place), is_forward, in_place);
+  const Operand from = input_of(*record, d, in_place), to = output_of(*record, d, in_place);
   in += from.offset;
   out += to.offset;
   if ((get(*record, layout_flags) & one_call) && get(*record, user_threads) < 2)

@@ -83,25 +83,40 @@ EngineCode set_scaling(RealPlan<T>& plan, int32_t mode) {
   return plan.fwd_scaled || plan.bwd_scaled ? engine_success : engine_bad_mode;
 }
 
-// Pairs of numbers as complex elements, and the split step.
+// The steps of an even length beside the transform of its pairs.
+template <class T>
+void split_pairs(const RealPlan<T>& plan, Direction d, const Real<T>* in, Real<T>* out,
+                 Format format, Real<T> scale, PairRange pairs) {
+  const int32_t n = plan.plan_length;
+  T* const z = reinterpret_cast<T*>(out);
+  if (d == Direction::forward) return split_forward(z, n / 2, plan.split, scale, pairs);
+  if (format == Format::pack) in = out, format = Format::perm;
+  split_backward(reinterpret_cast<const T*>(in), in + last_real(format, n), z, n / 2, plan.split,
+                 pairs);
+}
+template <class T>
+void change_format(const RealPlan<T>& plan, Direction d, const Real<T>* in, Real<T>* out,
+                   Format format) {
+  if (d == Direction::forward)
+    pack(out, plan.plan_length, format);
+  else if (format == Format::pack)
+    unpack(in, out, plan.plan_length, format);
+}
+
+// PairRange of numbers as complex elements, and the split step.
 template <class T>
 void run_even(const RealPlan<T>& plan, Direction d, const Real<T>* in, Real<T>* out, Format format,
               void* work, Real<T> scale) {
-  const int32_t n = plan.plan_length;
   T* const z = reinterpret_cast<T*>(out);
   if (d == Direction::forward) {
     run_half<T>(plan, d, reinterpret_cast<const T*>(in), z, work, 1);
-    split_forward(z, n / 2, plan.split, scale);
-    pack(out, n, format);
-    return;
+    split_pairs(plan, d, in, out, format, scale, PairRange::all(plan.plan_length / 2));
+    change_format(plan, d, in, out, format);
+  } else {
+    change_format(plan, d, in, out, format);
+    split_pairs(plan, d, in, out, format, scale, PairRange::all(plan.plan_length / 2));
+    run_half<T>(plan, d, z, z, work, scale);
   }
-  const Real<T> last = in[last_real(format, n)];
-  if (format == Format::pack) {
-    unpack(in, out, n, format);
-    in = out;
-  }
-  split_backward(reinterpret_cast<const T*>(in), last, z, n / 2, plan.split);
-  run_half<T>(plan, d, z, z, work, scale);
 }
 
 // The complex transform of the numbers, or of the whole spectrum.
@@ -168,6 +183,25 @@ EngineCode destroy_real_plan(RealPlan<T>* plan) {
 }
 
 template <class T>
+void run_real_phase(const RealPlan<T>& plan, Direction d, int32_t phase, Share share,
+                    const Real<T>* in, Real<T>* out, Format format, T* matrix, T* scratch,
+                    Real<T> scale) {
+  const bool is_forward = d == Direction::forward;
+  T* const z = reinterpret_cast<T*>(out);
+  const int32_t level = is_forward ? phase : phase - 2;
+  const PairRange all = PairRange::all(plan.plan_length / 2);
+  if (level == 0 || level == 1)
+    run_level(plan.complex->transform, d, level, share,
+              is_forward ? reinterpret_cast<const T*>(in) : z, z, matrix, scratch,
+              is_forward ? Real<T>(1) : scale);
+  else if (phase == (is_forward ? 2 : 1))
+    split_pairs(plan, d, in, out, format, scale,
+                {int32_t(share.begin(all.end)), int32_t(share.end(all.end))});
+  else if (share.part == 0)
+    change_format(plan, d, in, out, format);
+}
+
+template <class T>
 EngineCode run_real_plan(const Plan<T>* base, Direction d, const Real<T>* in, Real<T>* out,
                          Format format, void* work, Real<T> scale) {
   if (!base || !in || !out) return engine_null_pointer;
@@ -195,6 +229,9 @@ EngineCode run_real_plan(const Plan<T>* base, Direction d, const Real<T>* in, Re
 }
 
 #define INSTANTIATE(T)                                                                            \
+  template void run_real_phase(const RealPlan<T>&, Direction, int32_t, Share,                     \
+                               const simd::Real<T>*, simd::Real<T>*, Format, T*, T*,              \
+                               simd::Real<T>);                                                    \
   template EngineCode create_real_plan(RealPlan<T>**, int32_t, int32_t, int32_t, const Plan<T>*); \
   template EngineCode destroy_real_plan(RealPlan<T>*);                                            \
   template EngineCode run_real_plan(const Plan<T>*, Direction, const simd::Real<T>*,              \

@@ -71,4 +71,17 @@ template <class T>
 EngineCode run_real_plan(const Plan<T>* plan, Direction d, const Real<T>* in, Real<T>* out,
                          Format format, void* work, Real<T> scale);
 
+// An even length whose half has two levels can be shared out in phases, a phase after all parts of
+// the one before:
+//
+//   forward    columns, rows, split, format        backward   format, split, columns, rows
+//
+// The pairs of numbers on 16-byte boundaries; matrix and scratch as of run_level(). The plan's own
+// scaling is not heeded.
+constexpr int32_t real_phases = 4;
+template <class T>
+void run_real_phase(const RealPlan<T>& plan, Direction d, int32_t phase, Share share,
+                    const Real<T>* in, Real<T>* out, Format format, T* matrix, T* scratch,
+                    Real<T> scale);
+
 }  // namespace jex::dft

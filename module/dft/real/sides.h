@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dft/engine/strided.h"
+#include "dft/engine/work_area.h"
 #include "dft/real/kernels.h"
 
 namespace jex::dft {
@@ -61,6 +62,28 @@ inline Format format_of(const Record& record) {
   return format == JEX_DFT_PACK   ? Format::pack
          : format == JEX_DFT_PERM ? Format::perm
                                   : Format::ccs;
+}
+
+// One side of a call. In place, offsets and distances count numbers on both sides.
+struct Operand : Side {
+  ptrdiff_t offset, distance;
+
+  Operand(const Record& record, const Layout& layout, bool is_packed, bool in_place) {
+    const int32_t n = get(record, length);
+    is_complex = is_packed && has_complex_elements(record);
+    count = is_packed ? packed_length(format_of(record), n) : n;
+    stride = layout.stride;
+    const int unit = is_complex && !in_place ? 2 : 1;
+    offset = unit * layout.offset;
+    distance = unit * layout.distance;
+  }
+};
+
+inline Operand input_of(const Record& record, Direction d, bool in_place) {
+  return {record, input_layout(record), d == Direction::backward, in_place};
+}
+inline Operand output_of(const Record& record, Direction d, bool in_place) {
+  return {record, output_layout(record, in_place), d == Direction::forward, in_place};
 }
 
 }  // namespace jex::dft

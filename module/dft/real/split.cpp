@@ -23,9 +23,12 @@ struct Side {
 // neighbours while they last. Pointers that walk take fewer instructions than an index. The middle,
 // m even, is its own partner and remains.
 template <class T, int sign>
-JEX_INLINE inline void combine_pairs(const T* x, T* z, int32_t m, const T* roots, Real<T> half) {
+JEX_INLINE inline void combine_pairs(const T* x, T* z, int32_t m, const T* roots, Real<T> half,
+                                     PairRange pairs) {
   using V = Lanes<T>;
-  T *low = z + 1, *high = z + m - 1;
+  T *low = z + 1 + pairs.first, *high = z + m - 1 - pairs.first;
+  T* const end = z + 1 + pairs.end;
+  roots += pairs.first;
   const uintptr_t apart = reinterpret_cast<uintptr_t>(x) - reinterpret_cast<uintptr_t>(z);
   const auto operand = [=](T* p) JEX_INLINE {
     return reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(p) + apart);
@@ -43,31 +46,34 @@ JEX_INLINE inline void combine_pairs(const T* x, T* z, int32_t m, const T* roots
     low += width, high -= width;
     roots += width;
   };
-  while (low + V::count - 1 < high - (V::count - 1)) combine(std::true_type());
-  while (V::count > 1 && low < high) combine(std::false_type());
+  while (low + V::count <= end) combine(std::true_type());
+  while (V::count > 1 && low < end) combine(std::false_type());
 }
 
 }  // namespace
 
 template <class T>
-void split_forward(T* z, int32_t m, const T* roots, Real<T> scale) {
+void split_forward(T* z, int32_t m, const T* roots, Real<T> scale, PairRange pairs) {
+  combine_pairs<T, 1>(z, z, m, roots, scale * Real<T>(0.5), pairs);
+  if (pairs.first > 0) return;
+  if (m % 2 == 0) z[m / 2] = {z[m / 2].re * scale, -z[m / 2].im * scale};
   const T first = z[0];
   z[0] = {(first.re + first.im) * scale, (first.re - first.im) * scale};
-  combine_pairs<T, 1>(z, z, m, roots, scale * Real<T>(0.5));
-  if (m % 2 == 0) z[m / 2] = {z[m / 2].re * scale, -z[m / 2].im * scale};
 }
 
 template <class T>
-void split_backward(const T* x, Real<T> last, T* z, int32_t m, const T* roots) {
-  const Real<T> first = x[0].re;
-  combine_pairs<T, -1>(x, z, m, roots, 1);
+void split_backward(const T* x, const Real<T>* last, T* z, int32_t m, const T* roots,
+                    PairRange pairs) {
+  combine_pairs<T, -1>(x, z, m, roots, 1, pairs);
+  if (pairs.first > 0) return;
   if (m % 2 == 0) z[m / 2] = {2 * x[m / 2].re, -2 * x[m / 2].im};
-  z[0] = {first + last, first - last};
+  const Real<T> first = x[0].re, middle = *last;
+  z[0] = {first + middle, first - middle};
 }
 
-#define INSTANTIATE(T)                                               \
-  template void split_forward(T*, int32_t, const T*, simd::Real<T>); \
-  template void split_backward(const T*, simd::Real<T>, T*, int32_t, const T*);
+#define INSTANTIATE(T)                                                          \
+  template void split_forward(T*, int32_t, const T*, simd::Real<T>, PairRange); \
+  template void split_backward(const T*, const simd::Real<T>*, T*, int32_t, const T*, PairRange);
 INSTANTIATE(jex_dcomplex)
 INSTANTIATE(jex_scomplex)
 

@@ -14,13 +14,20 @@
 
 namespace jex::dft {
 
+// PairRange k, m - k with first < k <= end. The first ones go with X(0), X(m) and the middle.
+struct PairRange {
+  int32_t first, end;
+  static PairRange all(int32_t m) { return {0, (m - 1) / 2}; }
+};
+
 // z in place to the spectrum times scale, m complex places.
 template <class T>
-void split_forward(T* z, int32_t m, const T* roots, Real<T> scale);
+void split_forward(T* z, int32_t m, const T* roots, Real<T> scale, PairRange pairs);
 
-// The other way, times 2: last is the number of X(m), x the spectrum from X(0) on, whose place of
-// imaginary part is not read. x and z are the same or apart.
+// The other way, times 2: last points to the number of X(m), x to the spectrum from X(0) on, whose
+// place of imaginary part is not read. x and z are the same or apart.
 template <class T>
-void split_backward(const T* x, Real<T> last, T* z, int32_t m, const T* roots);
+void split_backward(const T* x, const Real<T>* last, T* z, int32_t m, const T* roots,
+                    PairRange pairs);
 
 }  // namespace jex::dft
