@@ -8,11 +8,11 @@ namespace {
 // One long transform with unit strides in two levels, of complex numbers or, of half the length, of
 // pairs of real ones.
 template <class T>
-struct Line {
+struct LongTransform {
   const RealPlan<T>* real = nullptr;  // null for complex numbers
   const Plan<T>* levels = nullptr;    // null for a transform that is not shared
 
-  explicit Line(const Record& d) {
+  explicit LongTransform(const Record& d) {
     if (get(d, rank) != 1 || get(d, input_stride) != 1 || get(d, output_stride) != 1) return;
     if (get(d, forward_domain) == JEX_DFT_REAL) {
       real =
@@ -80,7 +80,7 @@ int32_t run_whole(Record* record, Direction d, const Arrays& x) {
 
 template <class T>
 int32_t phase_count(const Record& d) {
-  return has_phases(d) ? get(d, rank) : Line<T>(d).phases();
+  return has_phases(d) ? get(d, rank) : LongTransform<T>(d).phases();
 }
 
 template <class T>
@@ -91,7 +91,7 @@ int32_t run_part(Record* record, Direction d, int32_t phase, Share share, void* 
     return run_phase<T>(record, d, arrays, 0, phase, share, area, get(*record, work_buffers));
   const bool in_place = get(*record, placement) != JEX_DFT_NOT_IN_PLACE;
   void *const in = arrays.a[0], *const out = arrays.a[in_place ? 0 : 1];
-  if (Line<T>(*record).run(*record, d, phase, share, area, in, out, in_place))
+  if (LongTransform<T>(*record).run(*record, d, phase, share, area, in, out, in_place))
     return JEX_DFT_SUCCESS;
   return phase == 0 && share.part == 0 ? run_whole(record, d, arrays) : int32_t(JEX_DFT_SUCCESS);
 }
