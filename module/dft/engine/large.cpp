@@ -88,7 +88,7 @@ struct Large {
       : transform(*Parts<T>(block, n).transform),
         reversal(Parts<T>(block, n).reversal),
         order(order),
-        buffers{work, work + longer(order) * bundle_for<T>(longer(order))},
+        buffers{work, work + longer(order) * bundle_for<T>(1 << order, longer(order))},
         n1(transform.columns.length),
         n2(transform.rows.length) {}
   static int longer(int order) { return 1 << (order - order / 2); }
@@ -151,7 +151,8 @@ int32_t make_large_table(Record& record) {
       get(record, input_stride) != 1 ||
       (get(record, placement) == JEX_DFT_NOT_IN_PLACE && get(record, output_stride) != 1);
   const int longer = 1 << (order - order / 2);
-  const uint32_t elements = 2 * uint32_t(bundle_for<T>(longer) * longer) + (is_spaced ? n : 0);
+  const uint32_t elements =
+      2 * uint32_t(bundle_for<T>(int32_t(n), longer) * longer) + (is_spaced ? n : 0);
   set(record, work_size, int32_t(elements * sizeof(T)));
   return JEX_DFT_SUCCESS;
 }

@@ -56,15 +56,18 @@ struct Transform {
   int bundle;               // columns, or rows, taken at a time
 };
 
-// A bundle is two cache lines wide at least. Longer columns touch a page for each element, so there
-// the bundle is as wide as the second-level cache allows for two buffers.
+// Bytes of a bundle's rows. The elements of a column of a large transform lie in pages of their
+// own, and pages a power of two apart share few places of the table of addresses: most of them are
+// looked up anew by each bundle, which is wide therefore, as far as the second-level cache has room
+// for its buffers.
 template <class T>
 inline constexpr int narrow_bundle = 128 / sizeof(T);
 template <class T>
-constexpr int bundle_for(int longer) {
-  constexpr int most = 512 / sizeof(T), buffer = 262144 / sizeof(T);
-  const int width = longer < 512 ? 0 : buffer / longer / narrow_bundle<T> * narrow_bundle<T>;
-  return width < narrow_bundle<T> ? narrow_bundle<T> : width > most ? most : width;
+constexpr int bundle_for(int32_t n, int longer) {
+  constexpr int large = (4 << 20) / sizeof(T), buffer = (1 << 20) / sizeof(T);
+  const int width = (n < large ? 2 : 4) * narrow_bundle<T>;
+  const int most = buffer / longer / narrow_bundle<T> * narrow_bundle<T>;
+  return most > width ? width : most > narrow_bundle<T> ? most : narrow_bundle<T>;
 }
 
 // Order of the roots w^(k1 j2): row by row, or as the last pass over each bundle of columns meets

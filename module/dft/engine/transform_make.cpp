@@ -137,7 +137,7 @@ bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder ord
                  Blocks& blocks) {
   transform.length = n1 * n2;
   transform.has_rows = true;
-  transform.bundle = bundle_for<T>(n1 > n2 ? n1 : n2);
+  transform.bundle = bundle_for<T>(n1 * n2, n1 > n2 ? n1 : n2);
   Roots roots;
   if (!make_passes(transform.columns, n1, Use::columns, blocks) || !roots.make(n1 * n2))
     return false;

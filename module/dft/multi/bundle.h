@@ -11,6 +11,8 @@
 // all of them to one place of the cache. Elsewhere each line is laid out by itself, for the kernel.
 #pragma once
 
+#include <algorithm>
+
 #include "dft/engine/ahead.h"
 #include "dft/engine/kernels.h"
 #include "dft/engine/transform.h"
@@ -21,14 +23,16 @@ namespace jex::dft {
 // Longer lines take two levels, each by itself.
 constexpr int32_t longest_bundled = 8192;
 
-// Rows of a bundle are 1 KiB at most, for short lines, since every row of a pass costs a call; and
-// 256 bytes at least, since in a large grid every row lies in a page of its own, unless the bundle
-// would fill the second-level cache.
+// Rows of a bundle are 1 KiB at most, for short lines, since every row of a pass costs a call. In a
+// large grid every row lies in a page of its own, and pages a power of two apart share few places
+// of the table of addresses: so 256 bytes at least, 512 for long lines, as far as the second-level
+// cache has room.
 template <class T>
 int bundle_width(int32_t n) {
-  const int32_t least = n <= 2048 ? 256 : 128, bytes = (128 << 10) / n / 128 * 128;
-  if (n <= longest_bundled)
-    return (bytes < least ? least : bytes > 1024 ? 1024 : bytes) / int(sizeof(T));
+  if (n <= longest_bundled) {
+    const int32_t least = n <= 512 ? 256 : std::clamp((1 << 20) / n / 128 * 128, 128, 512);
+    return std::clamp((128 << 10) / n / 128 * 128, least, 1024) / int(sizeof(T));
+  }
   const int32_t most = (1 << 20) / (n * int32_t(sizeof(T)));
   return most < 1 ? 1 : most > narrow_bundle<T> ? narrow_bundle<T> : most;
 }
