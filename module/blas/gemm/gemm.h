@@ -144,13 +144,17 @@ template <class T, class Run>
     run(std::integral_constant<First, First::general>());
 }
 
-// By which of the three ways: a B that is read across its columns is better staged if its rows meet
-// in the cache.
+// By which of the three ways. A B that is read across its columns is better staged if its rows meet
+// in the cache; an A that would be read across its rows again and again is better packed if its
+// columns meet there, or if it and B are in many pages.
 enum class Way { tiny, light, packed };
 template <class T>
-inline Way way_of(int m, int n, int k, const Operand<T>& b, Wanted wanted) {
-  if (!b.by_columns() && would_meet<T>(b.ld, k)) return Way::packed;
-  if (is_tiny<T>(m, n, k, wanted != Wanted::all)) return Way::tiny;
+inline Way way_of(int m, int n, int k, const Operand<T>& a, const Operand<T>& b, Wanted wanted) {
+  const bool by_rows = !b.by_columns(), across = a.by_columns();
+  if (by_rows && would_meet<T>(b.ld, k)) return Way::packed;
+  if (is_tiny<T>(m, n, k, wanted != Wanted::all, by_rows) && !(across && would_meet<T>(a.ld, k)) &&
+      (across ? pages_of<T>(a.ld, k) : 0) + (by_rows ? pages_of<T>(b.ld, k) : 0) <= many_pages)
+    return Way::tiny;
   return is_light<T>(m, n, k) ? Way::light : Way::packed;
 }
 
@@ -184,7 +188,7 @@ template <class T>
   const Small<T> q{m, k, alpha, beta, op_a, op_b, c, ldc, wanted};
   if (is_small(m, n, k)) return multiply_small(q, n);
   const int grouped = n / 4 * 4;
-  multiply(way_of(m, n, k, op_b, wanted), RealScheme<T>{alpha, beta}, q, grouped);
+  multiply(way_of(m, n, k, op_a, op_b, wanted), RealScheme<T>{alpha, beta}, q, grouped);
   const bool plain = op_a.by_columns();
   for (int j = grouped; j < n; ++j) {
     const WantedRows own(wanted, m, j, 1);
@@ -201,7 +205,7 @@ template <class T>
                              Wanted wanted = Wanted::all) {
   if (is_done_without_product(m, n, alpha, beta, c, ldc)) return;
   const Operand<T> op_a{a, lda, transa}, op_b{b, ldb, transb};
-  multiply(is_small(m, n, k) ? Way::tiny : way_of(m, n, k, op_b, wanted),
+  multiply(is_small(m, n, k) ? Way::tiny : way_of(m, n, k, op_a, op_b, wanted),
            ComplexScheme<T>(alpha, beta, op_b.conjugates()),
            Small<T>{m, k, alpha, beta, op_a, op_b, c, ldc, wanted}, n);
 }

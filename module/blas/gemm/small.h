@@ -39,22 +39,30 @@ template <int columns, int parts, bool by_columns, class R>
                                             int steps, const R* b, ptrdiff_t apart) {
   unrolled<columns>([&](auto k)
                         __attribute__((always_inline)) { sum[k] = pinned(Lanes<R>::zero()); });
-  // Two pointers and one distance reach six columns.
+  // Two pointers and one distance reach six columns by scaled addresses, made anew in each step:
+  // sums of them that are kept would take the registers of others.
   constexpr int near = std::min(columns / parts, 3);
   const R* far = b + (by_columns ? near * apart : 0);
+  ptrdiff_t bytes = apart * ptrdiff_t(sizeof(R));
+  const auto moved = [](const R* from, ptrdiff_t bytes) {
+    return (const R*)((const char*)from + bytes);
+  };
   const auto walk = [&](auto unroll) __attribute__((always_inline)) {
     unrolled<unroll>([&](auto u) __attribute__((always_inline)) {
-      const Lanes<R> row = loaded(a + u * next);
+      b = pinned(b), bytes = pinned(bytes);
+      if constexpr (by_columns && near < columns / parts) far = pinned(far);
+      const Lanes<R> row = loaded(a);
+      a += next;
       unrolled<columns>([&](auto k) __attribute__((always_inline)) {
         constexpr int column = k / parts, place = u * parts + k % parts;
         accumulate_repeated(sum[k], row,
-                            !by_columns     ? b + u * apart + k
-                            : column < near ? b + column * apart + place
-                                            : far + (column - near) * apart + place);
+                            !by_columns     ? b + k
+                            : column < near ? moved(b, column * bytes) + place
+                                            : moved(far, (column - near) * bytes) + place);
       });
+      if (!by_columns) b = moved(b, bytes);
     });
-    a += unroll * next;
-    b += unroll * (by_columns ? parts : apart);
+    if (by_columns) b += unroll * parts;
     if (by_columns && near < columns / parts) far += unroll * parts;
   };
   const R* const end = a + (steps & ~1) * next;
@@ -94,7 +102,8 @@ template <int columns, First first, bool by_columns, class T>
         } else {
           store(first == First::overwrite ? sum[k] : old + sum[k], to);
         }
-        to += ldc;
+        // More addresses than three, kept, would go to the stack.
+        to = columns > 3 ? pinned(to + ldc) : to + ldc;
       });
     };
     if (left > 1 || rows == L::count)

@@ -5,6 +5,7 @@
 
 #include <jex/core_imports.h>
 
+#include <algorithm>
 #include <stdint.h>
 
 namespace jex::blas {
@@ -51,14 +52,18 @@ inline constexpr int light_steps = 128;
 
 // Nothing is packed for so few products: packing a panel would take longer than it saves. In single
 // precision it saves more, a shuffle for each product; where a lane is one complex number, A can be
-// read as it is. The edge of a triangle cuts single lanes there and parts of panels later. The sums
-// are the same, bit for bit.
+// read as it is, and where B is stored by rows, the numbers of a step are neighbours. The edge of a
+// triangle cuts single lanes there and parts of panels later. The sums are the same, bit for bit.
 template <class T>
-inline bool is_tiny(int m, int n, int k, bool triangle) {
-  constexpr bool single = sizeof(Real<T>) == 4;
-  constexpr int all = is_complex<T> ? (single ? 10 : 44) : single ? 14 : 24;
-  constexpr int part = is_complex<T> ? (single ? 20 : 88) : single ? 36 : 48;
-  const int order = triangle ? part : all;
+inline int tiny_order(bool triangle, bool by_rows) {
+  if constexpr (sizeof(Real<T>) == 4)
+    return is_complex<T> ? (triangle ? 20 : 10) : (triangle ? 36 : 14);
+  else
+    return is_complex<T> || by_rows ? 100 : triangle ? 48 : 33;
+}
+template <class T>
+inline bool is_tiny(int m, int n, int k, bool triangle, bool by_rows) {
+  const int order = tiny_order<T>(triangle, by_rows);
   return k <= light_steps && int64_t(m) * n * k <= order * order * order;
 }
 
@@ -79,6 +84,15 @@ inline bool is_light_for_three(int m, int n, int k) { return int64_t(m) * n * k 
 template <class T>
 inline bool would_meet(int ld, int count) {
   return count > 12 && ld % int(1024 / sizeof(T)) == 0;
+}
+
+// Pages in which so many numbers stand that are so far apart. Walks over and over through more than
+// many_pages wait for the addresses of the pages.
+inline constexpr int many_pages = 64;
+template <class T>
+inline int pages_of(int ld, int count) {
+  constexpr int page = 4096 / sizeof(T);
+  return count * std::min(ld, page) / page;
 }
 
 }  // namespace jex::blas
