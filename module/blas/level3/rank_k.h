@@ -27,8 +27,8 @@ struct Factors {
 
 // op(A) is n x k: A itself, or its transpose. alpha and beta are real in the Hermitian update.
 template <Conj conj, class T, class S>
-[[gnu::noinline]] void rank_k(Uplo uplo, bool transposed, int n, int k, S alpha, const T* a,
-                              int lda, S beta, T* c, int ldc) {
+[[gnu::noinline]] void rank_k(Uplo uplo, bool transposed, int n, int k, const S& alpha, const T* a,
+                              int lda, const S& beta, T* c, int ldc) {
   if (n <= 0) return;
   const StoredTriangle<T> triangle{uplo, n, c, ldc};
   // A single block is scaled when its product is added.
