@@ -5,13 +5,13 @@
 // an upper triangle U: x := x U, or x := x inverse(U). The walk from the last unknown to the first
 // is U read backwards.
 //
-// U is taken in groups of four real columns (complex: two columns, real and imaginary parts apart).
-// A group holds its rows from the first to the last of its corner:
+// U is taken in groups of four real columns (complex: two columns, real and imaginary parts apart);
+// the first one, which has no rows above its corner, holds what remains. A group holds its rows
+// from the first to the last of its corner. Order 6:
 //
-//   group 0   | u00 u01 u02 u03 | - u11 u12 u13 | - - u22 u23 | - - - u33 |
-//   group 1   | u04 u05 u06 u07 | ... | u44 u45 u46 u47 | - u55 ...
-//
-// Columns beyond the last one are zero.
+//   group 0   | u00 u01 - - | - u11 - - |
+//   group 1   | u02 u03 u04 u05 | u12 u13 u14 u15 | u22 u23 u24 u25 | - u33 u34 u35 | - - u44 u45 |
+//   ..
 #pragma once
 
 #include "blas/level2/triangle_solve.h"
@@ -59,12 +59,17 @@ template <class T>
 inline int groups_of(int order) {
   return (order + group_columns<T> - 1) / group_columns<T>;
 }
-// Numbers of a row of a group, and of all rows of the groups before g.
+// Columns of the first group.
+template <class T>
+inline int first_columns(int order) {
+  return order - (groups_of<T>(order) - 1) * group_columns<T>;
+}
+// Numbers of a row of a group, and of all groups of a triangle of at most so many unknowns.
 template <class T>
 inline constexpr int group_row = real_columns* Lanes<Real<T>>::count;
 template <class T>
-inline constexpr int factors_before(int g) {
-  return g * (g + 1) / 2 * group_columns<T> * group_row<T>;
+inline constexpr int most_factors(int order) {
+  return (order / group_columns<T> + 1) * order / 2 * group_row<T>;
 }
 
 template <class T>
@@ -92,25 +97,17 @@ template <class T, class Entry, class Diagonal>
   const auto read = [=](const T* u) __attribute__((always_inline)) {
     return is_complex<T> && conjugated ? conjugate(*u) : *u;
   };
-  for (int j = 0; j < t.order; j += width) {
-    const int columns = std::min(width, t.order - j);
-    if (columns < width) std::fill_n(to, (j + width) * row, Real<T>(0));
+  for (int j = 0, columns = first_columns<T>(t.order); j < t.order; j += columns, columns = width) {
     const T* u = first + j * across;
-    for (int p = 0; p < j; ++p, u += down, to += row) {
-      if (columns == width)
-        unrolled<width>([&](auto c) __attribute__((always_inline)) {
-          put_factor<T>(to + c * number, entry(read(u + c * across)));
-        });
-      else
-        for (int c = 0; c < columns; ++c)
-          put_factor<T>(to + c * number, entry(read(u + c * across)));
-    }
-    for (int r = 0; r < columns; ++r, u += down) {
-      put_factor<T>(to + r * (row + number), diagonal(t.unit ? one_of<T> : read(u + r * across)));
+    for (int p = 0; p < j; ++p, u += down, to += row)
+      unrolled<width>([&](auto c) __attribute__((always_inline)) {
+        put_factor<T>(to + c * number, entry(read(u + c * across)));
+      });
+    for (int r = 0; r < columns; ++r, u += down, to += row) {
+      put_factor<T>(to + r * number, diagonal(t.unit ? one_of<T> : read(u + r * across)));
       for (int c = r + 1; c < columns; ++c)
-        put_factor<T>(to + r * row + c * number, entry(read(u + c * across)));
+        put_factor<T>(to + c * number, entry(read(u + c * across)));
     }
-    to += width * row;
   }
 }
 

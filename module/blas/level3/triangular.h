@@ -20,10 +20,9 @@ inline constexpr int triangle_block = 256;
 inline constexpr int vector_panel = 1024;
 inline constexpr int narrow_panel = 48;
 
-// Up to this order a triangle goes to the lane kernel: its factors, a register each, leave a third
-// of the first-level cache to the right-hand sides.
-template <class T>
-inline constexpr int lane_order = is_complex<T> ? 24 : 48;
+// Up to this order a triangle goes to the lane kernel: a group of its columns, whose factors are a
+// register each, leaves most of the first-level cache to the right-hand sides.
+inline constexpr int lane_order = 64;
 
 struct Solve {
   using Lane = SolveLane;
@@ -47,103 +46,110 @@ void couple(const Triangular<T>& t, T alpha, int from, int count, int to, int re
             t.ldb);
 }
 
-// The right-hand sides of a lane, in and out of its registers. A lane that is not full has zeros.
+// Lanes that go through the triangle side by side.
+inline constexpr int lanes_together = 8;
+
+// Right-hand sides on their way in and out of lanes: x holds one register for each unknown of a
+// lane, one lane behind the other. A lane that is not full has zeros.
 template <class T>
-struct LaneOfVectors {
+struct BufferedLanes {
   using L = Lanes<T>;
+  static constexpr int count = L::count, size = Lanes<Real<T>>::count, to_lane = lane_order * size;
   T* b;  // the first unknown in the walk
   ptrdiff_t to_unknown, to_vector;
   int order, vectors;
 
+  int lanes() const { return (vectors + count - 1) / count; }
   [[gnu::always_inline]] void load(Real<T>* x) const {
-    const T* p = b;
-    int i = 0;
-    if (vectors == L::count && to_vector != 1)
-      squares(
-          i, [&](L(&square)[L::count], T * p, int i) __attribute__((always_inline)) {
-            unrolled<L::count>([&](auto v) { square[v] = L::load(p + v * to_vector); });
-            transpose(square);
-            unrolled<L::count>([&](auto k) { put_lane<T>(x, i + in_walk(k), square[k]); });
-          });
-    for (p += i * to_unknown; i < order; ++i, p += to_unknown)
-      put_lane<T>(x, i,
-                  vectors < L::count ? gather_some(p, to_vector, vectors)
-                  : to_vector == 1   ? L::load(p)
-                                     : L::gather(p, to_vector));
+    walk(
+        [ =, this ](L(&square)[count], const T* p, int at) __attribute__((always_inline)) {
+          unrolled<count>([&](auto v) { square[v] = L::load(p + v * to_vector); });
+          transpose(square);
+          unrolled<count>([&](auto k) { store_lane<T>(x + at + in_walk(k) * size, square[k]); });
+        },
+        [ =, this ](const T* p, int at, int rows) __attribute__((always_inline)) {
+          store_lane<T>(x + at, rows < count     ? gather_some(p, to_vector, rows)
+                                : to_vector == 1 ? L::load(p)
+                                                 : L::gather(p, to_vector));
+        });
   }
   [[gnu::always_inline]] void store(const Real<T>* x) const {
-    T* p = b;
-    int i = 0;
-    if (vectors == L::count && to_vector != 1)
-      squares(
-          i, [&](L(&square)[L::count], T * p, int i) __attribute__((always_inline)) {
-            unrolled<L::count>([&](auto k) { square[k] = lane_at<T>(x, i + in_walk(k)); });
-            transpose(square);
-            unrolled<L::count>([&](auto v) { square[v].store(p + v * to_vector); });
-          });
-    for (p += i * to_unknown; i < order; ++i, p += to_unknown) {
-      const L lane = lane_at<T>(x, i);
-      if (vectors == L::count) {
-        to_vector == 1 ? lane.store(p) : lane.scatter(p, to_vector);
-      } else {
-        T part[L::count];
-        lane.store(part);
-        for (int v = 0; v < vectors; ++v) p[v * to_vector] = part[v];
-      }
-    }
+    walk(
+        [ =, this ](L(&square)[count], T * p, int at) __attribute__((always_inline)) {
+          unrolled<count>([&](auto k) { square[k] = load_lane<T>(x + at + in_walk(k) * size); });
+          transpose(square);
+          unrolled<count>([&](auto v) { square[v].store(p + v * to_vector); });
+        },
+        [ =, this ](T * p, int at, int rows) __attribute__((always_inline)) {
+          const L lane = load_lane<T>(x + at);
+          if (rows == count) {
+            to_vector == 1 ? lane.store(p) : lane.scatter(p, to_vector);
+          } else {
+            T part[count];
+            lane.store(part);
+            for (int v = 0; v < rows; ++v) p[v * to_vector] = part[v];
+          }
+        });
   }
 
  private:
-  // Unknowns beside each other in memory, as many as a lane has vectors: square(registers, first in
-  // memory, first in the walk).
-  template <class Square>
-  [[gnu::always_inline]] void squares(int& i, Square square) const {
-    for (; i + L::count <= order; i += L::count) {
-      L registers[L::count];
-      square(registers, b + (to_unknown > 0 ? i : -i - L::count + 1), i);
+  int in_walk(int k) const { return to_unknown > 0 ? k : count - 1 - k; }
+  // line(first in memory, its place in x, vectors of the lane) for one unknown of a lane. Whole
+  // lanes whose unknowns are neighbours go by square(registers, first in memory, its place in x),
+  // as many unknowns as a lane has vectors.
+  template <class Square, class Line>
+  [[gnu::always_inline]] void walk(Square square, Line line) const {
+    if (to_vector == 1) {
+      // Neighbours in memory one after the other: their lines of the cache may be gone by the next
+      // lane.
+      for (int i = 0; i < order; ++i)
+        for (int v = 0; v < vectors; v += count)
+          line(b + i * to_unknown + v, v / count * to_lane + i * size,
+               std::min(count, vectors - v));
+      return;
+    }
+    for (int v = 0; v < vectors; v += count) {
+      T* const p = b + v * to_vector;
+      const int at = v / count * to_lane, rows = std::min(count, vectors - v);
+      int i = 0;
+      if (rows == count)
+        for (; i + count <= order; i += count) {
+          L registers[count];
+          square(registers, p + (to_unknown > 0 ? i : -i - count + 1), at + i * size);
+        }
+      for (; i < order; ++i) line(p + i * to_unknown, at + i * size, rows);
     }
   }
-  int in_walk(int k) const { return to_unknown > 0 ? k : L::count - 1 - k; }
 };
-
-// Lanes that go through the triangle side by side: while one waits for its unknowns, the next ones
-// compute.
-inline constexpr int lanes_together = 4;
 
 // A triangle of at most lane_order unknowns.
 template <class Task, class T>
 [[gnu::noinline]] void run_lanes(const Triangular<T>& t, const T& alpha) {
   using R = Real<T>;
   using Lane = typename Task::Lane;
-  constexpr int most = lane_order<T>, count = Lanes<T>::count;
-  constexpr ptrdiff_t size = most * Lanes<R>::count;
-  alignas(16) R factors[factors_before<T>(most / group_columns<T>)];
-  alignas(16) R x[lanes_together * size];
+  using Buffered = BufferedLanes<T>;
+  constexpr int count = Lanes<T>::count, size = Lanes<R>::count, parts = size / count;
+  alignas(16) R factors[most_factors<T>(lane_order)];
   Lane::pack(t, alpha, factors);
-  const int groups = groups_of<T>(t.order);
-  for (int lane = 0; lane < lanes_together; ++lane)
-    for (int i = t.order; i < groups * group_columns<T>; ++i)
-      put_lane<T>(x + lane * size, i, Lanes<T>::zero());
-  T* b = t.forward() ? t.b : t.unknown(t.order - 1);
+  T* const b = t.forward() ? t.b : t.unknown(t.order - 1);
   const ptrdiff_t to_unknown = t.forward() ? t.to_unknown() : -t.to_unknown();
-  const auto run = [&](ptrdiff_t to_vector) __attribute__((always_inline)) {
-    for (int v = 0; v < t.vectors; v += lanes_together * count) {
-      const int lanes = std::min(lanes_together, (t.vectors - v + count - 1) / count);
-      const auto lane = [&](int k) __attribute__((always_inline)) {
-        const int first = v + k * count;
-        return LaneOfVectors<T>{b + first * to_vector, to_unknown, to_vector, t.order,
-                                std::min(count, t.vectors - first)};
-      };
-      for (int k = 0; k < lanes; ++k) lane(k).load(x + k * size);
-      for (int i = 0; i < groups; ++i) {
-        const int g = Lane::ascending ? i : groups - 1 - i;
-        for (int k = 0; k < lanes; ++k)
-          run_group<Lane, T>(x + k * size, factors + factors_before<T>(g), g);
-      }
-      for (int k = 0; k < lanes; ++k) lane(k).store(x + k * size);
-    }
-  };
-  t.is_left() ? run(t.ldb) : run(1);
+  // Whole lanes that lie as they are needed stay there, if their unknowns do not meet in the cache.
+  const bool stay = (count == 1 || t.to_vector() == 1) && !would_meet<T>(to_unknown, t.order);
+  const int staying = stay ? t.vectors / count * count : 0;
+  for (int v = 0; v < staying; v += lanes_together * count)
+    run_together<Lane, T>(factors, t.order, reinterpret_cast<R*>(b + v * t.to_vector()),
+                          to_unknown * parts, t.to_vector() * count * parts,
+                          std::min(lanes_together, (staying - v) / count));
+  // The others by way of a buffer.
+  alignas(16) R x[lanes_together * Buffered::to_lane];
+  for (int v = staying; v < t.vectors; v += lanes_together * count) {
+    const Buffered lanes{b + v * t.to_vector(), to_unknown, t.to_vector(), t.order,
+                         std::min(lanes_together * count, t.vectors - v)};
+    lanes.load(x);
+    run_together<Lane, T>(factors, t.order, x, std::integral_constant<int, size>(),
+                          Buffered::to_lane, lanes.lanes());
+    lanes.store(x);
+  }
 }
 
 // Unknowns from .. from + count - 1 of t, of which those on the other side of the block in the walk
@@ -160,7 +166,7 @@ template <class Task, class T, class Block>
 // A triangle in halves: the products are as large as they can be.
 template <class Task, class T>
 void run_block(const Triangular<T>& t, const T& alpha) {
-  if (t.order <= lane_order<T>) return run_lanes<Task>(t, alpha);
+  if (t.order <= lane_order) return run_lanes<Task>(t, alpha);
   const int half = (t.order / 2 + real_columns - 1) / real_columns * real_columns;
   const auto half_of = [&](bool first) {
     return first ? std::pair{0, half} : std::pair{half, t.order - half};
@@ -175,7 +181,7 @@ void run_block(const Triangular<T>& t, const T& alpha) {
 
 template <class Task, class T>
 [[gnu::noinline]] void run_triangle(const Triangular<T>& t, const T& alpha) {
-  if (t.order <= lane_order<T>) return run_lanes<Task>(t, alpha);
+  if (t.order <= lane_order) return run_lanes<Task>(t, alpha);
   const bool ascending = t.forward() == Task::block_first;
   for (int done = 0; done < t.order; done += triangle_block) {
     const int count = std::min(triangle_block, t.order - done);
