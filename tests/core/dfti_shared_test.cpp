@@ -33,7 +33,7 @@ const Case cases[] = {
     {"one real dimension of numbers",
      36,
      33,
-     {100000},
+     {200000},
      JEX_DFT_NOT_IN_PLACE,
      39,
      JEX_DFT_REAL_ELEMENTS,

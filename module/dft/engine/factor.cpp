@@ -6,8 +6,6 @@
 namespace jex::dft {
 namespace {
 
-constexpr int last_small = 150;
-
 void exchange(Factor& a, Factor& b) {
   const Factor keep = a;
   a = b;
@@ -71,13 +69,13 @@ int factorise(int32_t n, Factor (&factors)[most_factors]) {
   if (count == 0 && rest % 2 == 0) record(2);
   if (rest >= 9)
     for (int32_t d = 3; d * d <= rest;) {
-      if (d > last_small) return 0;
+      if (d > largest_radix) return 0;
       if (rest % d == 0)
         record(d);
       else
         d += 2;
     }
-  if (count == 0 || rest > last_small) return 0;
+  if (count == 0 || rest > largest_radix) return 0;
   if (rest > 1) record(rest);
 
   const int last = count - 1;
@@ -104,11 +102,11 @@ int factorise(int32_t n, Factor (&factors)[most_factors]) {
 // over rows. The last pass over the columns of a wide bundle has as many places to write to as it
 // has columns: it too wants the smallest. Odd radices come after the even ones otherwise, which
 // keeps the lanes of a register in use from the second pass on.
-Radices choose_radices(int32_t n, Use use) {
+Radices choose_radices(int32_t n, Use use, int largest) {
   if (has_kernel(n)) return {1, {n}};
   const bool is_wide = use != Use::alone && n > longest_narrow;
   const Costs costs = use == Use::alone ? pass_cost : bundle_cost(is_wide);
-  const Radices found = Search(n, costs, last_small).best;
+  const Radices found = Search(n, costs, largest).best;
   if (use == Use::rows || is_wide) return found;
   Radices ordered;
   for (int parity = 0; parity < 2; ++parity)

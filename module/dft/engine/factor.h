@@ -50,12 +50,14 @@ inline constexpr Costs pass_cost = [] {
 // them; bundles of rows, whose results go to columns of the user's array.
 enum class Use { alone, columns, rows };
 
-// The radices of the passes that compute a length, in their order. 0 when there is no such list.
+// The radices of the passes that compute a length, in their order, none above largest. 0 when there
+// is no such list.
 struct Radices {
   int count = 0;
   int radix[most_factors];
 };
-Radices choose_radices(int32_t n, Use use);
+constexpr int largest_radix = 150;
+Radices choose_radices(int32_t n, Use use, int largest = largest_radix);
 
 // n = columns * rows, both near the square root; columns is 1 when there is no good one.
 int32_t split_length(int32_t n);

@@ -6,9 +6,21 @@ namespace jex::dft {
 
 namespace {
 
-// Below this, passes over the whole length are faster than two levels.
+// Passes over the whole length are faster than two levels as long as the first cache holds it, and
+// far beyond that where small factors make it: but with many factors 2 the elements of a butterfly
+// meet in one place of the caches, of which 4096 just gets along without.
+constexpr int32_t shortest_shared = 65536;  // two levels are what threads share
 template <class T>
-constexpr int32_t one_level = 49152 / sizeof(T);
+bool has_one_level(int32_t n) {
+  if (n * sizeof(T) <= 49152 || n == 4096) return true;
+  return n < shortest_shared && n % 2 == 0 && n % 1024 != 0 &&
+         largest_prime(n) <= largest_kernel_prime;
+}
+// A power of two in one level: butterflies of 16 elements would meet so.
+template <class T>
+constexpr int largest_radix_for(int32_t n, Use use) {
+  return use == Use::alone && n * sizeof(T) == 65536 ? 8 : largest_radix;
+}
 
 template <class T>
 constexpr int lanes = Lanes<Real<T>>::count;
@@ -102,7 +114,7 @@ bool make_twist_by_passes(Transform<T>& transform, const Roots& roots, Blocks& b
 
 template <class T>
 bool make_passes(Passes<T>& passes, int32_t n, Use use, Blocks& blocks) {
-  const Radices radices = choose_radices(n, use);
+  const Radices radices = choose_radices(n, use, largest_radix_for<T>(n, use));
   passes.length = n;
   passes.count = radices.count;
   Roots roots;
@@ -150,7 +162,7 @@ bool make_levels(Transform<T>& transform, int32_t n1, int32_t n2, TwistOrder ord
 
 template <class T>
 bool make_transform(Transform<T>& transform, int32_t n, Blocks& blocks) {
-  const int32_t columns = n <= one_level<T> ? 1 : split_length(n);
+  const int32_t columns = has_one_level<T>(n) ? 1 : split_length(n);
   if (columns >= narrow_bundle<T>)
     return make_levels(transform, columns, n / columns, TwistOrder::passes, blocks);
   transform.length = n;
