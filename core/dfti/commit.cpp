@@ -21,16 +21,22 @@ jex_int apply_breakdowns(Transform& t) {
 // A word that commit asks before it gives a single transform more than one thread, and no kernels.
 constexpr int shares_word = JEX_DFT_WORD_66;
 
+// A shared transform is committed once more, for one thread: its record computes by itself too, as
+// whoever finds it behind the handle expects.
 jex_int commit_by_module(Transform& t) {
   const auto commit = t.entries->jex_dft_commit_descriptor_core;
-  t.word(shares_word) = Shared::suits(t);
-  jex_int status = commit(t.records, nullptr);
-  if (!t.word(shares_word) || status != JEX_DFT_SUCCESS) return status;
-  status = Shared::make(t, &t.shared);
-  if (status != JEX_DFT_SUCCESS) t.word(JEX_DFT_COMMIT_STATE) = JEX_DFT_UNCOMMITTED;
-  if (status != JEX_DFT_SUCCESS || t.shared) return status;
+  jex_int threads = 1;
+  if (Shared::suits(t)) {
+    t.word(shares_word) = 1;
+    if (const jex_int status = commit(t.records, nullptr)) return status;
+    threads = t.word(JEX_DFT_THREADS);
+  }
   t.word(shares_word) = 0;
-  return commit(t.records, nullptr);
+  jex_int status = commit(t.records, nullptr);
+  if (status != JEX_DFT_SUCCESS || threads < 2) return status;
+  status = Shared::make(t, threads, &t.shared);
+  if (status != JEX_DFT_SUCCESS) t.word(JEX_DFT_COMMIT_STATE) = JEX_DFT_UNCOMMITTED;
+  return status;
 }
 
 // In place, the rows of a spectrum of complex elements take more room than those of the numbers.

@@ -67,7 +67,7 @@
  * core that shares out the transforms of a call gives each thread a copy of the first record with
  * its own number_of_transforms, offsets and work_buffers. A single transform has one thread, unless
  * one of the words 58 to 61 and 66 to 69 is not 0: then commit leaves it without kernels to the
- * core, which shares the pieces (jex_dft_d_dft_par()) of a descriptor of its own. With user_threads
+ * core, which commits it again and shares the pieces (jex_dft_d_dft_par()). With user_threads
  * above 1, that many threads may call the entries on the one descriptor, and each call claims an
  * area by itself.
  *

@@ -106,6 +106,29 @@ TEST(DftiShared, KernelsOfOneThreadOnly) {
   }
 }
 
+// The first record behind the handle, which the trigonometric transforms compute by.
+TEST(DftiShared, TheRecordComputesByItself) {
+  for (const jex_int domain : {JEX_DFT_COMPLEX, JEX_DFT_REAL}) {
+    jex_dft_dfti_handle h = nullptr;
+    const jex_int n = 131072;
+    check(jex_dft_dfti_create_descriptor_d_1d(&h, JEX_DFT_DOUBLE, domain, 1, n));
+    check(jex_dft_dfti_set_value_intval(h, JEX_DFTI_PACKED_FORMAT, JEX_DFT_PERM));
+    check(jex_dft_dfti_set_value_intval(h, JEX_DFTI_THREAD_LIMIT, 2));
+    check(jex_dft_dfti_commit_descriptor_external(h));
+    std::vector<jex_dcomplex> shared(n), alone(n);
+    for (jex_int i = 0; i < n; ++i) shared[i] = alone[i] = {i % 17 - 8.0, i % 5 - 2.0};
+    check(jex_dft_dfti_compute_forward(h, shared.data()));
+    jex_dft_descriptor* record;
+    memcpy(&record, static_cast<void*>(h), sizeof record);
+    jex_dft_compute_1 entry;
+    memcpy(&entry, &record->word[JEX_DFT_FORWARD_ENTRY], sizeof entry);
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry(record, alone.data()), 0);
+    EXPECT_TRUE(same(shared.data(), alone.data(), n));
+    jex_dft_dfti_free_descriptor_external(&h);
+  }
+}
+
 TEST(DftiShared, RealSettingsThatDoNotFit) {
   const jex_int lengths[] = {4, 6, 8};
   for (const jex_int rank : {1, 2, 3})
