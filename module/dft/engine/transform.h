@@ -64,7 +64,7 @@ template <class T>
 inline constexpr int narrow_bundle = 128 / sizeof(T);
 template <class T>
 constexpr int bundle_for(int32_t n, int longer) {
-  constexpr int large = (4 << 20) / sizeof(T), buffer = (1 << 20) / sizeof(T);
+  constexpr int large = (2 << 20) / sizeof(T), buffer = (1 << 20) / sizeof(T);
   const int width = (n < large ? 2 : 4) * narrow_bundle<T>;
   const int most = buffer / longer / narrow_bundle<T> * narrow_bundle<T>;
   return most > width ? width : most > narrow_bundle<T> ? most : narrow_bundle<T>;
