@@ -14,7 +14,7 @@
 
 namespace jex::dft {
 
-// PairRange k, m - k with first < k <= end. The first ones go with X(0), X(m) and the middle.
+// Pairs k, m - k with first < k <= end. The first ones go with X(0), X(m) and the middle.
 struct PairRange {
   int32_t first, end;
   static PairRange all(int32_t m) { return {0, (m - 1) / 2}; }
