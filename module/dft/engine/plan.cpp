@@ -30,11 +30,6 @@ EngineCode set_scaling(Plan<T>& plan, int32_t mode) {
   }
 }
 
-// Boundaries that the kernels need. Other arrays are copied, so that the bits of a result never
-// depend on where the arrays are.
-template <class T>
-constexpr int alignof_kernels = std::is_same_v<T, jex_dcomplex> ? 16 : 4;
-
 int32_t bytes_or_limit(uint64_t bytes) { return bytes > 0x7fffffc0 ? 0x7fffffc0 : int32_t(bytes); }
 
 // Passes, for lengths that factor.
@@ -157,7 +152,7 @@ template <class T>
 template <class T>
 void run_plan(const Plan<T>& plan, Direction d, const T* in, T* out, void* work, Real<T> scale) {
   scale = whole_scale(plan, d, scale);
-  const bool fits = alignof_kernels<T> < 16 || is_aligned(in, out);
+  const bool fits = suits_kernels<T>(in, out);
   if (plan.fixed[int(d)] && fits) return plan.fixed[int(d)](in, out, scale);
   const int32_t n = plan.plan_length;
   T* const copy = static_cast<T*>(work);

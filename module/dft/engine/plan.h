@@ -80,9 +80,14 @@ inline Real<T> whole_scale(const Plan<T>& plan, Direction d, Real<T> scale) {
 template <class T>
 void run_plan(const Plan<T>& plan, Direction d, const T* in, T* out, void* work, Real<T> scale);
 
-// The kernels of double precision want their arrays on such boundaries.
+// The kernels of double precision want their arrays on such boundaries. Others are copied, so that
+// the bits of a result never depend on where the arrays are.
 inline bool is_aligned(const void* a, const void* b) {
   return ((reinterpret_cast<uintptr_t>(a) | reinterpret_cast<uintptr_t>(b)) & 15) == 0;
+}
+template <class T>
+inline bool suits_kernels(const void* in, const void* out) {
+  return std::is_same_v<T, jex_scomplex> || is_aligned(in, out);
 }
 
 }  // namespace jex::dft

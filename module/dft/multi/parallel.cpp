@@ -38,20 +38,15 @@ struct LongTransform {
       const Real<T>* const in =
           static_cast<const Real<T>*>(from) + input_of(record, d, in_place).offset;
       Real<T>* const out = static_cast<Real<T>*>(to) + output_of(record, d, in_place).offset;
-      if (!suits(d == Direction::forward ? in : out, out)) return false;
+      if (!suits_kernels<T>(d == Direction::forward ? in : out, out)) return false;
       run_real_phase(*real, d, phase, share, in, out, format_of(record), matrix, scratch, scale);
     } else {
       const T* const in = static_cast<const T*>(from) + get(record, input_offset);
       T* const out = static_cast<T*>(to) + get(record, in_place ? input_offset : output_offset);
-      if (!suits(in, out)) return false;
+      if (!suits_kernels<T>(in, out)) return false;
       run_level(levels->transform, d, phase, share, in, out, matrix, scratch, scale);
     }
     return true;
-  }
-
- private:
-  static bool suits(const void* in, const void* out) {
-    return std::is_same_v<T, jex_scomplex> || is_aligned(in, out);
   }
 };
 

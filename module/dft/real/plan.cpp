@@ -33,7 +33,7 @@ template <class T>
 void run_half(const RealPlan<T>& plan, Direction d, const T* in, T* out, void* work,
               Real<T> scale) {
   const FixedFunction<T> fixed = plan.complex->fixed[int(d)];
-  if (fixed && (sizeof(T) < 16 || is_aligned(in, out)))
+  if (fixed && suits_kernels<T>(in, out))
     fixed(in, out, scale);
   else
     run_plan<T>(*plan.complex, d, in, out, work, scale);
